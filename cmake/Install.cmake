@@ -1,0 +1,39 @@
+# What a host needs: headers, the two shared libraries, a CMake package and pkg-config files. The static twins are
+# for the tests and stay behind.
+
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZdkVisionLib)
+
+set_target_properties(ZdkVisionLib PROPERTIES INSTALL_RPATH "$ORIGIN") # the platform lies beside it
+install(TARGETS ZdkVisionPlatform ZdkVisionLib EXPORT ZdkVisionLibTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY include/ZdkVisionLib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
+
+install(EXPORT ZdkVisionLibTargets NAMESPACE ZdkVisionLib:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/ZdkVisionLibConfig.cmake.in ${PROJECT_BINARY_DIR}/ZdkVisionLibConfig.cmake
+    INSTALL_DESTINATION ${package_dir})
+# Before version 1.0 a minor version may break what was there, as its soname says.
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/ZdkVisionLibConfigVersion.cmake
+    COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/ZdkVisionLibConfig.cmake ${PROJECT_BINARY_DIR}/ZdkVisionLibConfigVersion.cmake
+    DESTINATION ${package_dir})
+
+# The prefix is where the .pc file lies, so that an installed tree can be moved. Absolute directories, as some
+# distributions set them, stand as they are.
+file(RELATIVE_PATH pkgconfig_prefix
+    ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" pkgconfig_prefix "\${pcfiledir}/${pkgconfig_prefix}")
+foreach(directory libdir includedir)
+    string(TOUPPER ${directory} variable)
+    cmake_path(IS_ABSOLUTE CMAKE_INSTALL_${variable} absolute)
+    if(absolute)
+        set(pkgconfig_${directory} ${CMAKE_INSTALL_${variable}})
+    else()
+        set(pkgconfig_${directory} "\${prefix}/${CMAKE_INSTALL_${variable}}")
+    endif()
+endforeach()
+foreach(module zdkvisionlib zdkvisionplatform)
+    configure_file(cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
