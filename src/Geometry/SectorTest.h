@@ -1,0 +1,112 @@
+#pragma once
+
+/** @file
+ *  The sector tests, split into what depends on the sector alone and what is left to do for each point.
+ *  Regions prepare a sector once and test every cell; the results are the same bits as those of a single
+ *  test.
+ *
+ *  All comparisons look for a point outside, so that a quotient or an angle that is not a number excludes
+ *  nothing. Squares are plain products: a power function may round otherwise. */
+
+#include <Alignment/Degrees.h>
+#include <ZdkVisionLib/Common/Common.h>
+
+#include <cmath>
+
+namespace Zvl
+{
+
+/** The angular range of a sector: from `start`, in [0, 360], up to `end`, at most 720. */
+struct SectorAngles
+{
+    double start;
+    double end;
+    bool whole; ///< every angle belongs to the sector
+};
+
+inline SectorAngles NormalizeSectorAngles(double startAngle, double angleSpan)
+{
+    const bool whole = std::fabs(angleSpan) >= 360.0;
+    if (angleSpan < 0.0)
+    {
+        startAngle += angleSpan;
+        angleSpan = -angleSpan;
+    }
+    startAngle = std::fmod(startAngle, 360.0);
+    if (startAngle < 0.0)
+    {
+        startAngle += 360.0;
+    }
+    return {startAngle, startAngle + angleSpan, whole};
+}
+
+/** True when the direction (@p x, @p y) belongs to the range, ends included. */
+inline bool AngleIsInSector(const SectorAngles& angles, double y, double x)
+{
+    if (angles.whole)
+    {
+        return true;
+    }
+    double angle = ToDegrees(std::atan2(y, x));
+    if (angle < 0.0)
+    {
+        angle += 360.0;
+    }
+    const bool outside = angles.end <= 360.0 ? angle < angles.start || angle > angles.end
+                                             : angle < angles.start && angle > angles.end - 360.0;
+    return !outside;
+}
+
+inline bool AngleIsInSector(double y, double x, double startAngle, double angleSpan)
+{
+    return AngleIsInSector(NormalizeSectorAngles(startAngle, angleSpan), y, x);
+}
+
+/** @param angles of @p sector */
+inline bool PointIsInAnnularSector(const AnnularSector2d<double>& sector, const SectorAngles& angles, double x,
+                                   double y)
+{
+    const double dx = x - sector.center.x;
+    const double dy = y - sector.center.y;
+    const double squaredDistance = dx * dx + dy * dy;
+    const double inner = squaredDistance / (sector.innerRadius * sector.innerRadius);
+    const double outer = squaredDistance / (sector.outerRadius * sector.outerRadius);
+    if (inner < 1.0 || outer > 1.0)
+    {
+        return false;
+    }
+    return AngleIsInSector(angles, dy, dx);
+}
+
+/** The angle that turns world directions into the frame of an ellipse, in radians. */
+inline double EllipseFrameAngle(const EllipticalSector2d<double>& sector)
+{
+    return ToRadians(-sector.rotation);
+}
+
+/** @param angles of @p sector
+ *  @param cosine of EllipseFrameAngle()
+ *  @param sine of EllipseFrameAngle() */
+inline bool PointIsInEllipticalSector(const EllipticalSector2d<double>& sector, const SectorAngles& angles,
+                                      double cosine, double sine, double x, double y)
+{
+    const double dx = x - sector.center.x;
+    const double dy = y - sector.center.y;
+    const double localX = dx * cosine - dy * sine;
+    const double localY = dx * sine + dy * cosine;
+    const double squaredX = localX * localX;
+    const double squaredY = localY * localY;
+    const double innerX = sector.innerWidth / 2.0;
+    const double innerY = sector.innerHeight / 2.0;
+    const double outerX = sector.outerWidth / 2.0;
+    const double outerY = sector.outerHeight / 2.0;
+    const double inner = squaredX / (innerX * innerX) + squaredY / (innerY * innerY);
+    const double outer = squaredX / (outerX * outerX) + squaredY / (outerY * outerY);
+    if (inner < 1.0 || outer > 1.0)
+    {
+        return false;
+    }
+    return AngleIsInSector(angles, localY, localX);
+}
+
+} // namespace Zvl
