@@ -1,0 +1,312 @@
+#include "Common/PolygonScan.h"
+
+#include "Common/Rounding.h"
+
+#include <cmath>
+#include <utility>
+
+namespace Zvl
+{
+
+namespace
+{
+
+/** From a world x to a column of the box. */
+class ColumnMapping
+{
+public:
+    ColumnMapping(const Rect2d<int>& box, double scale, double offset) : first(box.x), scale(scale), offset(offset) {}
+
+    double At(double x) const { return (x - offset) / scale - first; }
+
+    /** The last column not to the right of the position @p t. */
+    static int NotGreaterThan(double t) { return FloorToInt(t + kGeometricTolerance); }
+
+    /** The first column not to the left of the position @p t. */
+    static int NotLessThan(double t) { return CeilToInt(t - kGeometricTolerance); }
+
+private:
+    double first;
+    double scale;
+    double offset;
+};
+
+/** The edges that can cross the present row, kept up from row to row. An edge is looked at only between the
+ *  first and the last row that it reaches, so that a row costs its crossings and not all edges. Edges stay in
+ *  the polygon's order, since the first of several crossings that fall together is the one that counts. */
+class ActiveEdges
+{
+public:
+    ActiveEdges(const std::vector<Point2d<double>>& points, const std::vector<double>& rowPositions)
+    {
+        const bool ascending = std::is_sorted(rowPositions.begin(), rowPositions.end());
+        for (std::size_t i = 0; i + 1 < points.size(); ++i)
+        {
+            Edge edge = {HorizontalCrossing(points[i], points[i + 1]), 0, rowPositions.size()};
+            if (ascending)
+            {
+                RestrictRows(edge, rowPositions);
+            }
+            if (!edge.crossing.horizontal && edge.firstRow < edge.endRow)
+            {
+                byFirstRow.push_back(edges.size());
+                edges.push_back(edge);
+            }
+        }
+        std::stable_sort(byFirstRow.begin(), byFirstRow.end(),
+                         [this](std::size_t a, std::size_t b) { return edges[a].firstRow < edges[b].firstRow; });
+    }
+
+    /** Fills @p out with the distinct crossings at height @p y right of @p left, ascending. Rows are asked for in their
+     *  order. */
+    void CollectCrossings(std::size_t row, double y, double left, std::vector<double>& out)
+    {
+        Activate(row);
+        out.clear();
+        std::size_t kept = 0;
+        for (const std::size_t index : active)
+        {
+            const Edge& edge = edges[index];
+            if (edge.endRow <= row)
+            {
+                continue;
+            }
+            active[kept++] = index;
+            const double x = edge.crossing.At(y);
+            if (edge.crossing.Reaches(y) && x - left > kGeometricTolerance)
+            {
+                InsertDistinct(x, out);
+            }
+        }
+        active.resize(kept);
+    }
+
+private:
+    struct Edge
+    {
+        HorizontalCrossing crossing;
+        std::size_t firstRow;
+        std::size_t endRow;
+    };
+
+    static void RestrictRows(Edge& edge, const std::vector<double>& rowPositions)
+    {
+        const auto first = std::partition_point(rowPositions.begin(), rowPositions.end(),
+                                                [&](double y) { return !(y > edge.crossing.above); });
+        const auto end =
+            std::partition_point(first, rowPositions.end(), [&](double y) { return edge.crossing.below > y; });
+        edge.firstRow = static_cast<std::size_t>(first - rowPositions.begin());
+        edge.endRow = static_cast<std::size_t>(end - rowPositions.begin());
+    }
+
+    void Activate(std::size_t row)
+    {
+        const auto present = static_cast<std::ptrdiff_t>(active.size());
+        while (next < byFirstRow.size() && edges[byFirstRow[next]].firstRow <= row)
+        {
+            active.push_back(byFirstRow[next++]);
+        }
+        std::inplace_merge(active.begin(), active.begin() + present, active.end());
+    }
+
+    std::vector<Edge> edges;
+    std::vector<std::size_t> byFirstRow;
+    std::vector<std::size_t> active;
+    std::size_t next = 0;
+};
+
+/** Finds out whether a row's crossings hit a vertex. Only vertices level with the row can be hit. */
+class VertexSearch
+{
+public:
+    explicit VertexSearch(const std::vector<Point2d<double>>& points)
+    {
+        std::copy_if(points.begin(), points.end(), std::back_inserter(vertices),
+                     [](const Point2d<double>& vertex) { return !std::isnan(vertex.y); });
+        std::sort(vertices.begin(), vertices.end(),
+                  [](const Point2d<double>& a, const Point2d<double>& b) { return a.y < b.y; });
+    }
+
+    /** Rows that follow each other are found in few steps from one to the next. */
+    bool Hits(const std::vector<double>& crossings, double y)
+    {
+        const double low = y - 2.0 * kGeometricTolerance;
+        const double high = y + 2.0 * kGeometricTolerance;
+        while (first < vertices.size() && vertices[first].y < low)
+        {
+            ++first;
+        }
+        while (first > 0 && vertices[first - 1].y >= low)
+        {
+            --first;
+        }
+        for (std::size_t i = first; i < vertices.size() && vertices[i].y <= high; ++i)
+        {
+            for (const double x : crossings)
+            {
+                if (DistanceBetween({x, y}, vertices[i]) < kGeometricTolerance)
+                {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+private:
+    std::vector<Point2d<double>> vertices; ///< by ascending y
+    std::size_t first = 0;                 ///< the first that is not below the present row
+};
+
+/** Fills one row from its crossings. */
+class RowScan
+{
+public:
+    RowScan(const PolygonScanReceiver& receiver, const ColumnMapping& columns)
+        : points(*receiver.polygonPoints),
+          columns(columns),
+          step(receiver.scale->x),
+          left(receiver.boundingBox->x * receiver.scale->x + receiver.offset->x),
+          right((static_cast<double>(receiver.boundingBox->x) + receiver.boundingBox->width - 1) * receiver.scale->x +
+                receiver.offset->x)
+    {
+    }
+
+    /** A lone crossing touches the polygon in one point: at most the one cell that it hits is inside. */
+    void SingleCell(double crossing, MaskRow& row) const
+    {
+        const double t = columns.At(crossing);
+        const int cell = TruncateToInt(t);
+        if (t - cell < kGeometricTolerance && cell >= 0 && cell < row.Width())
+        {
+            row.Set(cell, 1);
+        }
+        else if (cell >= -1 && cell < row.Width() - 1 && cell + 1 - t < kGeometricTolerance)
+        {
+            row.Set(cell + 1, 1);
+        }
+    }
+
+    /** Fills between odd and even crossings. A crossing that falls on a column puts that cell inside. */
+    void Parity(const std::vector<double>& crossings, MaskRow& row) const
+    {
+        std::uint8_t maskValue = 0;
+        int start = 0;
+        for (const double crossing : crossings)
+        {
+            const double t = columns.At(crossing);
+            const int end = ColumnMapping::NotGreaterThan(t);
+            if (end >= row.Width())
+            {
+                break;
+            }
+            if (end >= 0)
+            {
+                FillSpan(start, end, t, maskValue, row);
+                start = end + 1;
+            }
+            maskValue = static_cast<std::uint8_t>(1 - maskValue);
+        }
+        row.Fill(start, row.Width() - 1, maskValue);
+    }
+
+    /** As Parity(), but each span is decided by its midpoint: a ray through a vertex cannot be trusted to change
+     *  parity. */
+    void Midpoints(const std::vector<double>& crossings, double y, MaskRow& row) const
+    {
+        double spanLeft = left;
+        int start = 0;
+        for (const double crossing : crossings)
+        {
+            const double t = columns.At(crossing);
+            const int end = ColumnMapping::NotGreaterThan(t);
+            if (end >= row.Width())
+            {
+                break;
+            }
+            if (end >= 0)
+            {
+                FillSpan(start, end, t, MidpointValue(spanLeft, crossing, y), row);
+                start = end + 1;
+                spanLeft = crossing + step;
+            }
+        }
+        if (start < row.Width())
+        {
+            row.Fill(start, row.Width() - 1, MidpointValue(spanLeft, right, y));
+        }
+    }
+
+private:
+    void FillSpan(int start, int end, double t, std::uint8_t maskValue, MaskRow& row) const
+    {
+        if (start > end)
+        {
+            return;
+        }
+        row.Fill(start, end, maskValue);
+        if (ColumnMapping::NotLessThan(t) == end)
+        {
+            row.Set(end, 1);
+        }
+    }
+
+    std::uint8_t MidpointValue(double from, double to, double y) const
+    {
+        return IsPointInPolygon({(from + to) * 0.5, y}, points) != 0 ? 1 : 0;
+    }
+
+    const std::vector<Point2d<double>>& points;
+    const ColumnMapping& columns;
+    double step;
+    double left;
+    double right;
+};
+
+} // namespace
+
+qStatus FillPolygonRows(void* context, void* /*sender*/, const qParallelArgs* args)
+{
+    const auto& receiver = *static_cast<const PolygonScanReceiver*>(context);
+    const Rect2d<int>& box = *receiver.boundingBox;
+    const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
+    const std::size_t begin = qParallelArgs_Begin(args, 0, mask.rows);
+    const std::size_t end = qParallelArgs_End(args, 0, mask.rows);
+    if (begin >= end)
+    {
+        return STATUS_OK;
+    }
+    const double firstY = (box.y + static_cast<double>(begin)) * receiver.scale->y + receiver.offset->y;
+    const std::vector<double> positions = AccumulatedPositions(firstY, receiver.scale->y, end - begin);
+    // Far enough to the left that every crossing lies to the right of the ray's origin.
+    const double rayOrigin = receiver.boundingRegion->x - 10.0;
+
+    const ColumnMapping columns(box, receiver.scale->x, receiver.offset->x);
+    const RowScan scan(receiver, columns);
+    VertexSearch vertices(*receiver.polygonPoints);
+    ActiveEdges edges(*receiver.polygonPoints, positions);
+    std::vector<double> intersectXs;
+    for (std::size_t i = 0; i < positions.size(); ++i)
+    {
+        MaskRow row(mask.Row(begin + i), box.width);
+        edges.CollectCrossings(i, positions[i], rayOrigin, intersectXs);
+        if (intersectXs.size() == 1)
+        {
+            scan.SingleCell(intersectXs.front(), row);
+        }
+        else if (intersectXs.size() > 1)
+        {
+            if (vertices.Hits(intersectXs, positions[i]))
+            {
+                scan.Midpoints(intersectXs, positions[i], row);
+            }
+            else
+            {
+                scan.Parity(intersectXs, row);
+            }
+        }
+    }
+    return STATUS_OK;
+}
+
+} // namespace Zvl

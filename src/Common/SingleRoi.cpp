@@ -1,0 +1,76 @@
+#include <ZdkVisionLib/Common/MaskUniformSurface.h>
+#include <ZdkVisionLib/Utils/Utils.h>
+
+#include "Common/Check.h"
+
+namespace Zvl
+{
+
+SingleROI::SingleROI(void* allocator)
+    : SingleROI(0, 0, {GetNull<double>(), GetNull<double>()}, {GetNull<double>(), GetNull<double>()}, allocator)
+{
+}
+
+SingleROI::SingleROI(std::uint64_t frameWidth, std::uint64_t frameHeight, const qPoint64f& scale,
+                     const qPoint64f& offset, void* allocator)
+    : ROI(allocator), frameWidth(frameWidth), frameHeight(frameHeight), scale(scale), offset(offset)
+{
+}
+
+void SingleROI::SetFrame(const std::uint64_t& width, const std::uint64_t& height)
+{
+    frameWidth = width;
+    frameHeight = height;
+    DropCaches();
+}
+
+void SingleROI::SetFrameWidth(const std::uint64_t& width)
+{
+    frameWidth = width;
+    DropCaches();
+}
+
+void SingleROI::SetFrameHeight(const std::uint64_t& height)
+{
+    frameHeight = height;
+    DropCaches();
+}
+
+void SingleROI::SetScale(const qPoint64f& value)
+{
+    scale = value;
+    DropCaches();
+}
+
+void SingleROI::SetOffset(const qPoint64f& value)
+{
+    offset = value;
+    DropCaches();
+}
+
+void SingleROI::SetAllocator(void* const& value)
+{
+    allocator = value;
+    DropCaches();
+}
+
+void SingleROI::RequireMapping(const char* function) const
+{
+    constexpr double null = GetNull<double>();
+    ZVL_REQUIRE(function, offset.x != null && offset.y != null && scale.x != null && scale.y != null);
+}
+
+void SingleROI::SetBounds(const Region2d<double>& region)
+{
+    boundingRegion = region;
+    qPoint64f tolerance = {0.0005, 0.0005};
+    GetRegionPixel(frameWidth, frameHeight, offset, scale, &boundingRegion, &boundingBox, &tolerance, 1);
+}
+
+void SingleROI::DropCaches()
+{
+    boundingBoxValid = 0;
+    maskValid = 0;
+}
+
+} // namespace Zvl
