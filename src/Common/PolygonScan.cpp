@@ -158,6 +158,43 @@ private:
     std::size_t first = 0;                 ///< the first that is not below the present row
 };
 
+/** Span values by parity: each crossing leads from outside to inside, or back. */
+class ParityValue
+{
+public:
+    std::uint8_t Until(double /*x*/) const { return maskValue; }
+    void Pass(double /*crossing*/, bool /*inBox*/) { maskValue = static_cast<std::uint8_t>(1 - maskValue); }
+
+private:
+    std::uint8_t maskValue = 0;
+};
+
+/** Span values by the span's midpoint: a ray through a vertex cannot be trusted to change parity. */
+class MidpointValue
+{
+public:
+    MidpointValue(const std::vector<Point2d<double>>& points, double y, double left, double step)
+        : points(points), y(y), left(left), step(step)
+    {
+    }
+
+    std::uint8_t Until(double x) const { return IsPointInPolygon({(left + x) * 0.5, y}, points) != 0 ? 1 : 0; }
+
+    void Pass(double crossing, bool inBox)
+    {
+        if (inBox)
+        {
+            left = crossing + step;
+        }
+    }
+
+private:
+    const std::vector<Point2d<double>>& points;
+    double y;
+    double left;
+    double step;
+};
+
 /** Fills one row from its crossings. */
 class RowScan
 {
@@ -187,73 +224,43 @@ public:
         }
     }
 
-    /** Fills between odd and even crossings. A crossing that falls on a column puts that cell inside. */
-    void Parity(const std::vector<double>& crossings, MaskRow& row) const
-    {
-        std::uint8_t maskValue = 0;
-        int start = 0;
-        for (const double crossing : crossings)
-        {
-            const double t = columns.At(crossing);
-            const int end = ColumnMapping::NotGreaterThan(t);
-            if (end >= row.Width())
-            {
-                break;
-            }
-            if (end >= 0)
-            {
-                FillSpan(start, end, t, maskValue, row);
-                start = end + 1;
-            }
-            maskValue = static_cast<std::uint8_t>(1 - maskValue);
-        }
-        row.Fill(start, row.Width() - 1, maskValue);
-    }
+    void Parity(const std::vector<double>& crossings, MaskRow& row) const { FillSpans(crossings, ParityValue(), row); }
 
-    /** As Parity(), but each span is decided by its midpoint: a ray through a vertex cannot be trusted to change
-     *  parity. */
     void Midpoints(const std::vector<double>& crossings, double y, MaskRow& row) const
     {
-        double spanLeft = left;
-        int start = 0;
-        for (const double crossing : crossings)
-        {
-            const double t = columns.At(crossing);
-            const int end = ColumnMapping::NotGreaterThan(t);
-            if (end >= row.Width())
-            {
-                break;
-            }
-            if (end >= 0)
-            {
-                FillSpan(start, end, t, MidpointValue(spanLeft, crossing, y), row);
-                start = end + 1;
-                spanLeft = crossing + step;
-            }
-        }
-        if (start < row.Width())
-        {
-            row.Fill(start, row.Width() - 1, MidpointValue(spanLeft, right, y));
-        }
+        FillSpans(crossings, MidpointValue(points, y, left, step), row);
     }
 
 private:
-    void FillSpan(int start, int end, double t, std::uint8_t maskValue, MaskRow& row) const
+    /** Fills the spans up to each crossing, and the rest of the row. A crossing that falls on a column puts that cell
+     *  inside, whatever its span's value. Crossings left of the box write nothing. */
+    template <typename SpanValue>
+    void FillSpans(const std::vector<double>& crossings, SpanValue value, MaskRow& row) const
     {
-        if (start > end)
+        int start = 0;
+        for (const double crossing : crossings)
         {
-            return;
+            const double t = columns.At(crossing);
+            const int end = ColumnMapping::NotGreaterThan(t);
+            if (end >= row.Width())
+            {
+                break;
+            }
+            if (start <= end)
+            {
+                row.Fill(start, end, value.Until(crossing));
+                if (ColumnMapping::NotLessThan(t) == end)
+                {
+                    row.Set(end, 1);
+                }
+            }
+            value.Pass(crossing, end >= 0);
+            start = std::max(end + 1, 0);
         }
-        row.Fill(start, end, maskValue);
-        if (ColumnMapping::NotLessThan(t) == end)
+        if (start < row.Width())
         {
-            row.Set(end, 1);
+            row.Fill(start, row.Width() - 1, value.Until(right));
         }
-    }
-
-    std::uint8_t MidpointValue(double from, double to, double y) const
-    {
-        return IsPointInPolygon({(from + to) * 0.5, y}, points) != 0 ? 1 : 0;
     }
 
     const std::vector<Point2d<double>>& points;

@@ -76,10 +76,13 @@ Exception::Exception(int sourceLine, const char* file, int statusCode, const cha
     va_start(written, format);
     try
     {
+        // The analyser does not follow va_start in constructors.
+        // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
         const int length = format == nullptr ? 0 : std::vsnprintf(nullptr, 0, format, measured);
         std::string message(static_cast<std::size_t>(std::max(length, 0)), '\0');
         if (!message.empty())
         {
+            // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized)
             static_cast<void>(std::vsnprintf(message.data(), message.size() + 1, format, written));
         }
         details = std::make_shared<const Details>(line, file, status, function, std::move(message));

@@ -390,6 +390,24 @@ TEST_P(PolygonMasks, AgreeWithTheDefiningScan)
     }
 }
 
+/** Large enough that the workers really share the rows out among threads. */
+TEST_P(PolygonMasks, OfManyRowsAgreeWithTheDefiningScan)
+{
+    const TestSupport::WorkerCount workers(GetParam());
+    std::mt19937 random(41);
+    std::uniform_real_distribution<double> position(-50.0, 650.0);
+    Points points;
+    for (int i = 0; i < 40; ++i)
+    {
+        points.emplace_back(position(random), std::round(position(random)));
+    }
+    points.push_back(points.front());
+    PolygonROI roi = Polygon(points, 600);
+    ASSERT_NE(roi.GetMask().Get(), nullptr);
+    const PlainScan plain = {points, roi.GetBoundingBox(), kUnitScale, kNoOffset, roi.GetBoundingRegion().x};
+    EXPECT_EQ(TestSupport::CellsIn<std::uint8_t>(roi.GetMask()), plain.Mask());
+}
+
 INSTANTIATE_TEST_SUITE_P(Workers, PolygonMasks, testing::Values(1, 2, 3, 8, 17));
 
 TEST(PolygonMasksOfStrangeShapes, EndAndAgreeWithTheDefiningScan)

@@ -213,6 +213,19 @@ TEST_P(SectorMasks, AgreeWithTheTestOfEveryCell)
     EXPECT_GT(selected, 10000U);
 }
 
+/** Large enough that the workers really share the rows out among threads. */
+TEST_P(SectorMasks, OfManyRowsAgreeWithTheTestOfEveryCell)
+{
+    const TestSupport::WorkerCount workers(GetParam());
+    const EllipticalSector2d<double> sector = {300.0, 200.0, 500.0, 580.0, 40.0, 290.0, 33.0, {300.3, 299.8}};
+    EllipseROI roi(sector, 600, 600, kUnitScale, kNoOffset, nullptr);
+    ASSERT_NE(roi.GetMask().Get(), nullptr);
+    const auto expected =
+        PlainMask(roi.GetBoundingBox(), kUnitScale, kNoOffset,
+                  [&](const qPoint64f& point) { return CheckPointInEllipticalSector(sector, point); });
+    EXPECT_EQ(TestSupport::CellsIn<std::uint8_t>(roi.GetMask()), expected);
+}
+
 INSTANTIATE_TEST_SUITE_P(Workers, SectorMasks, testing::Values(1, 2, 3, 8, 17));
 
 TEST(SectorMasksFarFromTheOrigin, AgreeWithTheTestOfEveryCell)

@@ -1,7 +1,38 @@
 #include "platform/Fixtures.h"
 
+#include <cstdlib>
+#include <new>
 #include <type_traits>
 #include <utility>
+
+namespace
+{
+
+// While set, this thread gets no memory from `new`.
+thread_local bool newFails = false;
+
+} // namespace
+
+// The whole program's `new`, so that exhausted memory can be played through.
+void* operator new(std::size_t size)
+{
+    void* memory = newFails ? nullptr : std::malloc(size == 0 ? 1 : size);
+    if (memory == nullptr)
+    {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
 
 namespace
 {
@@ -64,6 +95,20 @@ TEST(Exception, CopiesOutliveTheOriginal)
         copy = original;
     }
     EXPECT_STREQ(copy.what(), "Zvl::G failed: aborted (-988): why [b.cpp:5]");
+}
+
+TEST(Exception, WithoutMemoryTheStatusIsLeft)
+{
+    newFails = true;
+    const Zo::Exception exception(42, "a-source-path-of-some-length.cpp", STATUS_OUT_OF_MEMORY, "Zvl::F", "%d", 1);
+    const Zo::Exception copy(exception);
+    newFails = false;
+    EXPECT_EQ(copy.GetStatus(), STATUS_OUT_OF_MEMORY);
+    EXPECT_EQ(copy.GetLine(), 42);
+    EXPECT_STREQ(copy.GetFile(), "");
+    EXPECT_STREQ(copy.GetFunction(), "");
+    EXPECT_STREQ(copy.GetMessage(), "");
+    EXPECT_STREQ(copy.what(), "out of memory");
 }
 
 TEST(Exception, EveryStatusHasAName)
