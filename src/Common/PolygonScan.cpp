@@ -11,7 +11,7 @@ namespace Zvl
 namespace
 {
 
-/** From a world x to a column of the box. */
+/** From a world x to a position among the columns of the box. */
 class ColumnMapping
 {
 public:
@@ -19,21 +19,15 @@ public:
 
     double At(double x) const { return (x - offset) / scale - first; }
 
-    /** The last column not to the right of the position @p t. */
-    static int NotGreaterThan(double t) { return FloorToInt(t + kGeometricTolerance); }
-
-    /** The first column not to the left of the position @p t. */
-    static int NotLessThan(double t) { return CeilToInt(t - kGeometricTolerance); }
-
 private:
     double first;
     double scale;
     double offset;
 };
 
-/** The edges that can cross the present row, kept up from row to row. An edge is looked at only between the
- *  first and the last row that it reaches, so that a row costs its crossings and not all edges. Edges stay in
- *  the polygon's order, since the first of several crossings that fall together is the one that counts. */
+/** The edges that can cross the present row, kept up from row to row. An edge is looked at only between the first and
+ *  the last row that it reaches, so that a row costs its crossings and not all edges. The edges stay in the order of
+ *  their last crossings, in which those of the next row are nearly sorted. */
 class ActiveEdges
 {
 public:
@@ -53,8 +47,8 @@ public:
                 edges.push_back(edge);
             }
         }
-        std::stable_sort(byFirstRow.begin(), byFirstRow.end(),
-                         [this](std::size_t a, std::size_t b) { return edges[a].firstRow < edges[b].firstRow; });
+        std::sort(byFirstRow.begin(), byFirstRow.end(),
+                  [this](std::size_t a, std::size_t b) { return edges[a].firstRow < edges[b].firstRow; });
     }
 
     /** Fills @p out with the distinct crossings at height @p y right of @p left, ascending. Rows are asked for in their
@@ -62,23 +56,21 @@ public:
     void CollectCrossings(std::size_t row, double y, double left, std::vector<double>& out)
     {
         Activate(row);
+        Cross(row, y, left);
         out.clear();
-        std::size_t kept = 0;
-        for (const std::size_t index : active)
+        for (const Crossing& crossing : active)
         {
-            const Edge& edge = edges[index];
-            if (edge.endRow <= row)
+            if (!IsCounted(crossing.x, left))
             {
                 continue;
             }
-            active[kept++] = index;
-            const double x = edge.crossing.At(y);
-            if (edge.crossing.Reaches(y) && x - left > kGeometricTolerance)
+            if (!out.empty() && crossing.x - out.back() < kGeometricTolerance)
             {
-                InsertDistinct(x, out);
+                CollectInPolygonOrder(left, out);
+                return;
             }
+            out.push_back(crossing.x);
         }
-        active.resize(kept);
     }
 
 private:
@@ -87,6 +79,12 @@ private:
         HorizontalCrossing crossing;
         std::size_t firstRow;
         std::size_t endRow;
+    };
+
+    struct Crossing
+    {
+        std::size_t edge;
+        double x;
     };
 
     static void RestrictRows(Edge& edge, const std::vector<double>& rowPositions)
@@ -99,19 +97,58 @@ private:
         edge.endRow = static_cast<std::size_t>(end - rowPositions.begin());
     }
 
+    static bool IsCounted(double x, double left) { return x - left > kGeometricTolerance; }
+
     void Activate(std::size_t row)
     {
-        const auto present = static_cast<std::ptrdiff_t>(active.size());
         while (next < byFirstRow.size() && edges[byFirstRow[next]].firstRow <= row)
         {
-            active.push_back(byFirstRow[next++]);
+            active.push_back({byFirstRow[next++], 0.0});
         }
-        std::inplace_merge(active.begin(), active.begin() + present, active.end());
     }
 
-    std::vector<Edge> edges;
+    /** Moves all active edges on to their crossings with this row, ascending, and drops those that end before it. An edge
+     *  without a crossing that counts is put at @p left. */
+    void Cross(std::size_t row, double y, double left)
+    {
+        std::size_t kept = 0;
+        for (const Crossing& previous : active)
+        {
+            const Edge& edge = edges[previous.edge];
+            if (edge.endRow <= row)
+            {
+                continue;
+            }
+            const double x = edge.crossing.At(y);
+            const Crossing crossing = {previous.edge, edge.crossing.Reaches(y) && IsCounted(x, left) ? x : left};
+            std::size_t place = kept++;
+            for (; place > 0 && active[place - 1].x > crossing.x; --place)
+            {
+                active[place] = active[place - 1];
+            }
+            active[place] = crossing;
+        }
+        active.resize(kept);
+    }
+
+    /** Of crossings that fall together, the first in the polygon's order is the one that stays. */
+    void CollectInPolygonOrder(double left, std::vector<double>& out) const
+    {
+        std::vector<Crossing> ordered = active;
+        std::sort(ordered.begin(), ordered.end(), [](const Crossing& a, const Crossing& b) { return a.edge < b.edge; });
+        out.clear();
+        for (const Crossing& crossing : ordered)
+        {
+            if (IsCounted(crossing.x, left))
+            {
+                InsertDistinct(crossing.x, out);
+            }
+        }
+    }
+
+    std::vector<Edge> edges; ///< in the polygon's order
     std::vector<std::size_t> byFirstRow;
-    std::vector<std::size_t> active;
+    std::vector<Crossing> active;
     std::size_t next = 0;
 };
 
@@ -241,26 +278,38 @@ private:
         for (const double crossing : crossings)
         {
             const double t = columns.At(crossing);
-            const int end = ColumnMapping::NotGreaterThan(t);
-            if (end >= row.Width())
+            const double reached = t + kGeometricTolerance;
+            if (reached >= row.Width())
             {
                 break;
             }
-            if (start <= end)
+            const bool inBox = reached >= 0.0;
+            if (inBox)
             {
-                row.Fill(start, end, value.Until(crossing));
-                if (ColumnMapping::NotLessThan(t) == end)
+                const int end = static_cast<int>(reached); // the last column not to the right of the crossing
+                if (start <= end)
                 {
-                    row.Set(end, 1);
+                    row.Fill(start, end, value.Until(crossing));
+                    if (IsFirstNotLeftOf(t, end))
+                    {
+                        row.Set(end, 1);
+                    }
                 }
+                start = end + 1;
             }
-            value.Pass(crossing, end >= 0);
-            start = std::max(end + 1, 0);
+            value.Pass(crossing, inBox);
         }
         if (start < row.Width())
         {
             row.Fill(start, row.Width() - 1, value.Until(right));
         }
+    }
+
+    /** True when @p column is the first that is not to the left of the position @p t. */
+    static bool IsFirstNotLeftOf(double t, int column)
+    {
+        const double reached = t - kGeometricTolerance;
+        return reached <= column && reached > column - 1.0;
     }
 
     const std::vector<Point2d<double>>& points;

@@ -31,20 +31,6 @@ inline double RoundHalfAway(double value) noexcept
     return std::trunc(value > 0.0 ? value + 0.5 : value - 0.5);
 }
 
-/** The largest `int` not above @p value; the nearest `int` when it is out of range, 0 when it is not a number. */
-inline int FloorToInt(double value) noexcept
-{
-    const int truncated = TruncateToInt(value);
-    return truncated > value && truncated > std::numeric_limits<int>::min() ? truncated - 1 : truncated;
-}
-
-/** The smallest `int` not below @p value; the nearest `int` when it is out of range, 0 when it is not a number. */
-inline int CeilToInt(double value) noexcept
-{
-    const int truncated = TruncateToInt(value);
-    return truncated < value && truncated < std::numeric_limits<int>::max() ? truncated + 1 : truncated;
-}
-
 /** @p value as an `int`, or the nearest that there is. */
 inline int ClampToInt(std::int64_t value) noexcept
 {
