@@ -47,7 +47,9 @@ Zo::Object<void*> CropHeights(void* source, const Rect2d<int>& rect, const Cells
         std::int16_t* out = cropped.Row(row);
         for (std::size_t column = 0; column < cropped.columns; ++column)
         {
-            out[column] = selected[column] != 0 ? in[column] : GetNull<short>();
+            // Without a branch: all bits of the height for a selected cell, those of the missing height for others.
+            const int keep = -static_cast<int>(selected[column] != 0);
+            out[column] = static_cast<std::int16_t>((in[column] & keep) | (GetNull<short>() & ~keep));
         }
     }
     return croppedHeightmap;
