@@ -1,0 +1,17 @@
+#pragma once
+
+/** @file
+ *  The whole library in one include. */
+
+#include <ZdkVisionLib/Alignment/Anchor.h>
+#include <ZdkVisionLib/Alignment/RefFrame.h>
+#include <ZdkVisionLib/Common/Common.h>
+#include <ZdkVisionLib/Common/MaskUniformSurface.h>
+#include <ZdkVisionLib/Filter/Filter.h>
+#include <ZdkVisionLib/Fitting/Fit.h>
+#include <ZdkVisionLib/Geometry/Geometry.h>
+#include <ZdkVisionLib/Utils/Utils.h>
+#include <ZdkVisionLib/platform/ZoApi.h>
+#include <ZdkVisionLib/platform/ZoVision.h>
+#include <ZdkVisionLib/platform/qApi.h>
+#include <ZdkVisionLib/platform/qVision.h>
