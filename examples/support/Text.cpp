@@ -1,0 +1,32 @@
+#include "support/Text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iomanip>
+#include <sstream>
+
+namespace Examples
+{
+
+std::string NumberText(double value, int decimals)
+{
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(decimals) << value;
+    return text.str();
+}
+
+std::string MeasureText(double value)
+{
+    const double magnitude = std::abs(value);
+    const double decimals = magnitude > 0.0 ? 3.0 - std::floor(std::log10(magnitude)) : 4.0;
+    return NumberText(value, static_cast<int>(std::clamp(decimals, 4.0, 9.0)));
+}
+
+std::string DeviationText(double value)
+{
+    std::ostringstream text;
+    text << std::showpos << std::fixed << std::setprecision(4) << value;
+    return text.str();
+}
+
+} // namespace Examples

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace Examples
+{
+
+/** A number with so many decimals. */
+std::string NumberText(double value, int decimals);
+
+/** Four decimals, and more for small values, so that at least four digits tell something. */
+std::string MeasureText(double value);
+
+/** Four decimals, with a sign. */
+std::string DeviationText(double value);
+
+} // namespace Examples

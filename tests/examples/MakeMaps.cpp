@@ -1,0 +1,140 @@
+// Writes the maps that the examples are tested with into the folder given on the command line.
+
+#include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+constexpr int kRows = 200;
+constexpr int kColumns = 240;
+constexpr int kMiddleRow = kRows / 2;
+constexpr int kMiddleColumn = kColumns / 2;
+constexpr double kCell = 0.1;    // mm, as in the JSON
+constexpr double kCount = 0.001; // mm
+constexpr double kMissing = -1e9;
+
+const char* const kSoundJson = R"({"scale": [0.1, 0.1, 0.001], "offset": [0.0, 0.0, 0.0]})";
+
+double FromMiddle(int row, int column)
+{
+    return kCell * std::hypot(row - kMiddleRow, column - kMiddleColumn);
+}
+
+/** A grain of up to 2 counts, the same in every run, since no real surface is exactly even. */
+double Grain(int row, int column)
+{
+    return kCount * ((row * 31 + column * 17) % 5 - 2);
+}
+
+/** The map of a height function, in millimetres. */
+cv::Mat Map(const std::function<double(int row, int column)>& height)
+{
+    cv::Mat map(kRows, kColumns, CV_16UC1);
+    for (int row = 0; row < kRows; ++row)
+    {
+        for (int column = 0; column < kColumns; ++column)
+        {
+            const double value = height(row, column);
+            map.at<std::uint16_t>(row, column) =
+                value == kMissing ? std::uint16_t{0} : static_cast<std::uint16_t>(std::lround(value / kCount) + 32768);
+        }
+    }
+    return map;
+}
+
+double Hole(int row, int column)
+{
+    return FromMiddle(row, column) < 4.0 ? kMissing : Grain(row, column);
+}
+
+/** A sphere of radius 10 mm, sunk in by 1 mm. */
+double Bowl(int row, int column)
+{
+    const double away = FromMiddle(row, column);
+    return std::min(0.0, 9.0 - std::sqrt(std::max(0.0, 100.0 - away * away))) + Grain(row, column);
+}
+
+double Grooves(int row, int column)
+{
+    const bool isGroove = column % 120 >= 60 && column % 120 < 80 && row > 5 && row < 195;
+    return (isGroove ? -1.0 : 0.0) + Grain(row, column);
+}
+
+/** A cylinder of radius 15 mm with its axis along the rows. */
+double LyingCylinder(int row, int column)
+{
+    const double away = kCell * (row - kMiddleRow);
+    return std::sqrt(225.0 - away * away) - 15.0 + Grain(row, column);
+}
+
+std::vector<char> Read(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void Write(const std::filesystem::path& path, const std::vector<char>& bytes)
+{
+    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+void WriteText(const std::filesystem::path& path, const std::string& text)
+{
+    std::ofstream(path) << text << '\n';
+}
+
+void WritePictures(const std::filesystem::path& folder)
+{
+    cv::imwrite(folder / "hole.png", Map(Hole));
+    cv::imwrite(folder / "bowl.png", Map(Bowl));
+    cv::imwrite(folder / "grooves.png", Map(Grooves));
+    cv::imwrite(folder / "lying-cylinder.png", Map(LyingCylinder));
+    cv::imwrite(folder / "flat.png", Map([](int, int) { return 0.0; }));
+    cv::imwrite(folder / "empty.png", Map([](int, int) { return kMissing; }));
+    cv::imwrite(folder / "eight-bits.png", cv::Mat::ones(kRows, kColumns, CV_8UC1));
+    cv::imwrite(folder / "colours.png", cv::Mat(kRows, kColumns, CV_16UC3, cv::Scalar::all(1000.0)));
+
+    std::vector<char> bytes = Read(folder / "hole.png");
+    bytes[bytes.size() / 2] = static_cast<char>(bytes[bytes.size() / 2] ^ 1);
+    Write(folder / "flipped.png", bytes);
+    bytes.resize(bytes.size() / 2);
+    Write(folder / "truncated.png", bytes);
+}
+
+void WriteMappings(const std::filesystem::path& folder)
+{
+    WriteText(folder / "sound.json", kSoundJson);
+    WriteText(folder / "malformed.json", R"({"scale": [0.1, 0.1,)");
+    WriteText(folder / "array.json", R"([1, 2, 3])");
+    WriteText(folder / "no-scale.json", R"({"offset": [0, 0, 0]})");
+    WriteText(folder / "no-offset.json", R"({"scale": [1, 1, 1]})");
+    WriteText(folder / "short-scale.json", R"({"scale": [1, 1], "offset": [0, 0, 0]})");
+    WriteText(folder / "text-scale.json", R"({"scale": [1, 1, "1"], "offset": [0, 0, 0]})");
+    WriteText(folder / "huge-number.json", R"({"scale": [1, 1, 1e999], "offset": [0, 0, 0]})");
+    WriteText(folder / "zero-scale.json", R"({"scale": [1, 1, 0], "offset": [0, 0, 0]})");
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    if (argumentCount != 2)
+    {
+        std::cerr << "usage: make_maps FOLDER\n";
+        return 2;
+    }
+    const std::filesystem::path folder = arguments[1];
+    std::filesystem::create_directories(folder);
+    WritePictures(folder);
+    WriteMappings(folder);
+    return 0;
+}
