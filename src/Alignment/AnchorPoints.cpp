@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Alignment/Anchor.h>
 
-#include <Common/Check.h>
+#include "Common/Check.h"
 #include <ZdkVisionLib/Alignment/RefFrame.h>
 
 #include <cstring>

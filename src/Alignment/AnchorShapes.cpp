@@ -1,7 +1,7 @@
 #include <ZdkVisionLib/Alignment/Anchor.h>
 
-#include <Alignment/Degrees.h>
-#include <Common/Check.h>
+#include "Alignment/Degrees.h"
+#include "Common/Check.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Alignment/RefFrame.h>
 
-#include <Common/Check.h>
+#include "Common/Check.h"
 
 #include <opencv2/core.hpp>
 

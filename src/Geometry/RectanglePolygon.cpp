@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Geometry/Geometry.h>
 
-#include <Common/Check.h>
+#include "Common/Check.h"
 #include <ZdkVisionLib/Alignment/RefFrame.h>
 
 #include <cfloat>

@@ -8,7 +8,7 @@
  *  All comparisons look for a point outside, so that a quotient or an angle that is not a number excludes
  *  nothing. Squares are plain products: a power function may round otherwise. */
 
-#include <Alignment/Degrees.h>
+#include "Alignment/Degrees.h"
 #include <ZdkVisionLib/Common/Common.h>
 
 #include <cmath>

@@ -1,7 +1,7 @@
 #include <ZdkVisionLib/Alignment/Anchor.h>
 
-#include <Alignment/ExpectFailure.h>
-#include <support/FailingAllocator.h>
+#include "Alignment/ExpectFailure.h"
+#include "support/FailingAllocator.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Alignment/RefFrame.h>
 
-#include <Alignment/ExpectFailure.h>
+#include "Alignment/ExpectFailure.h"
 
 #include <gtest/gtest.h>
 #include <opencv2/core.hpp>

@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Geometry/Geometry.h>
 
-#include <Geometry/SectorTest.h>
+#include "Geometry/SectorTest.h"
 
 #include <gtest/gtest.h>
 

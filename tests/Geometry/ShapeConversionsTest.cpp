@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Geometry/Geometry.h>
 
-#include <Alignment/ExpectFailure.h>
+#include "Alignment/ExpectFailure.h"
 
 #include <gtest/gtest.h>
 
