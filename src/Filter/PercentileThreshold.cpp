@@ -18,9 +18,6 @@ namespace
 class PlaneDistances
 {
 public:
-    using Cell = std::int16_t;
-    static constexpr std::size_t kLayer = 0;
-
     PlaneDistances(const Surface& surface, const Rect2d<int>& rect, const qPlane3d64f& plane)
         : points(surface, rect),
           normal(plane.normal),

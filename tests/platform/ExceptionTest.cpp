@@ -1,38 +1,9 @@
+#include "platform/FailingNew.h"
 #include "platform/Fixtures.h"
 
-#include <cstdlib>
 #include <new>
 #include <type_traits>
 #include <utility>
-
-namespace
-{
-
-// While set, this thread gets no memory from `new`.
-thread_local bool newFails = false;
-
-} // namespace
-
-// The whole program's `new`, so that exhausted memory can be played through.
-void* operator new(std::size_t size)
-{
-    void* memory = newFails ? nullptr : std::malloc(size == 0 ? 1 : size);
-    if (memory == nullptr)
-    {
-        throw std::bad_alloc();
-    }
-    return memory;
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept
-{
-    std::free(memory);
-}
 
 namespace
 {
@@ -99,10 +70,10 @@ TEST(Exception, CopiesOutliveTheOriginal)
 
 TEST(Exception, WithoutMemoryTheStatusIsLeft)
 {
-    newFails = true;
+    PlatformTest::newFails = true;
     const Zo::Exception exception(42, "a-source-path-of-some-length.cpp", STATUS_OUT_OF_MEMORY, "Zvl::F", "%d", 1);
     const Zo::Exception copy(exception);
-    newFails = false;
+    PlatformTest::newFails = false;
     EXPECT_EQ(copy.GetStatus(), STATUS_OUT_OF_MEMORY);
     EXPECT_EQ(copy.GetLine(), 42);
     EXPECT_STREQ(copy.GetFile(), "");
