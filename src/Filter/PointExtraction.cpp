@@ -3,8 +3,8 @@
 
 #include "Common/Cells.h"
 #include "Common/Check.h"
+#include "Common/SelectedCells.h"
 #include "Filter/CellItems.h"
-#include "Filter/SelectedCells.h"
 
 #include <numeric>
 

@@ -1,9 +1,9 @@
 #include "Fitting/PlaneCovariance.h"
 
+#include "Common/SelectedCells.h"
 #include "Fitting/CellSums.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace Zvl
 {
@@ -158,17 +158,6 @@ private:
     Wide hh = 0;
 };
 
-/** Number of bytes other than 0 among the eight at @p mask. */
-std::size_t SelectedOfEight(const std::uint8_t* mask)
-{
-    constexpr std::uint64_t kLowBits = 0x7F7F7F7F7F7F7F7F;
-    constexpr std::uint64_t kOnes = 0x0101010101010101;
-    std::uint64_t bytes = 0;
-    std::memcpy(&bytes, mask, sizeof bytes);
-    const std::uint64_t selected = ((((bytes & kLowBits) + kLowBits) | bytes) >> 7) & kOnes;
-    return static_cast<std::size_t>((selected * kOnes) >> 56);
-}
-
 /** How far a share of a row reaches, and how many cells it selects. */
 struct Share
 {
@@ -183,7 +172,7 @@ Share TakeShare(const std::uint8_t* mask, std::size_t limit, std::size_t room)
     Share share;
     while (share.length + 8 <= limit)
     {
-        const std::size_t selected = SelectedOfEight(mask + share.length);
+        const std::size_t selected = CountOfEight(mask + share.length);
         if (share.selected + selected > room)
         {
             break;

@@ -3,6 +3,7 @@
 
 #include "Common/Cells.h"
 #include "Common/Check.h"
+#include "Common/SelectedCells.h"
 #include "Fitting/Rejection.h"
 
 #include <algorithm>
@@ -338,16 +339,14 @@ void CollectPoints(const Surface& surface, const Cells<const std::int16_t>& heig
     for (std::size_t row = 0; row < mask.rows; ++row)
     {
         const std::size_t y = static_cast<std::size_t>(rect.y) + row;
-        for (std::size_t column = 0; column < mask.columns; ++column)
-        {
-            if (mask.Row(row)[column] != 0)
-            {
-                const std::size_t x = static_cast<std::size_t>(rect.x) + column;
-                const qPoint3d64f cell{static_cast<double>(x), static_cast<double>(y),
-                                       static_cast<double>(heights.Row(y)[x])};
-                points.push_back(ScaleAndShift(cell, surface));
-            }
-        }
+        const std::int16_t* cells = heights.Row(y) + rect.x;
+        ForEachSelected(mask.Row(row), mask.columns,
+                        [&](std::size_t column)
+                        {
+                            const qPoint3d64f cell = {static_cast<double>(rect.x) + static_cast<double>(column),
+                                                      static_cast<double>(y), static_cast<double>(cells[column])};
+                            points.push_back(ScaleAndShift(cell, surface));
+                        });
     }
 }
 
@@ -387,7 +386,10 @@ void FitSphere(const Surface& surface, const Rect2d<int>& rect, void* mask, qPoi
     SphereEquations equations(allocator);
     points.reserve(selected.rows * selected.columns);
     const std::size_t present = points.size();
-    CollectPoints(surface, heights, selected, rect, points);
+    if (hasCells)
+    {
+        CollectPoints(surface, heights, selected, rect, points);
+    }
     equations.Add(points.data() + present, points.size() - present);
     if (points.size() < kMinimumPoints)
     {

@@ -14,8 +14,10 @@ bool ItemBytes(const TypeRecord& type, std::size_t count, std::size_t& bytes) no
 
 bool GridBytes(const TypeRecord& type, std::size_t rows, std::size_t columns, std::size_t& bytes) noexcept
 {
+    constexpr std::size_t kLongest = PTRDIFF_MAX;
     std::size_t count = 0;
-    return !__builtin_mul_overflow(rows, columns, &count) && ItemBytes(type, count, bytes);
+    return rows <= kLongest && columns <= kLongest && !__builtin_mul_overflow(rows, columns, &count) &&
+           ItemBytes(type, count, bytes);
 }
 
 qStatus AllocateItems(Allocator* allocator, const TypeRecord& type, std::size_t bytes, void** data) noexcept

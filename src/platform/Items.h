@@ -12,7 +12,8 @@ namespace ZdkPlatform
 /** Size of @p count items in bytes; false when no memory can be that large. */
 bool ItemBytes(const TypeRecord& type, std::size_t count, std::size_t& bytes) noexcept;
 
-/** As above for a grid; an empty grid has 0 bytes, whatever its other length is. */
+/** As above for a grid. Each length has to be possible by itself: two negative extents, taken as sizes, multiply to a
+ *  small number, and an extent of 0 hides the other one. */
 bool GridBytes(const TypeRecord& type, std::size_t rows, std::size_t columns, std::size_t& bytes) noexcept;
 
 /** Makes a block of @p bytes; 0 bytes need none. Handles in it are null, other items undefined. */

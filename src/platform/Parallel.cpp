@@ -1,5 +1,6 @@
 #include "platform/Arrays.h"
 #include "platform/Registry.h"
+#include "platform/WorkerPool.h"
 
 #include <algorithm>
 #include <exception>
@@ -7,9 +8,6 @@
 #include <mutex>
 #include <new>
 #include <thread>
-
-#include <oneapi/tbb/parallel_for.h>
-#include <oneapi/tbb/task_arena.h>
 
 namespace
 {
@@ -78,30 +76,22 @@ public:
         }
     }
 
-    /** Spreads the workers over the pool's threads. A thread that waits for the end takes no work from outside
-     *  of the job, since that could take a lock which this thread holds already. */
+    /** Spreads the workers over the pool's threads. */
     void RunOnPool()
     {
         published.store(true, std::memory_order_release);
-        tbb::this_task_arena::isolate(
-            [this]
+        RunOnWorkers(
+            workers,
+            [](void* job, std::size_t worker)
             {
-                const tbb::blocked_range<std::size_t> range(0, workers, 1);
-                tbb::parallel_for(
-                    range,
-                    [this](const tbb::blocked_range<std::size_t>& part)
-                    {
-                        // The pool orders these accesses by itself; tools that cannot look into it see
-                        // the order through these two atomics.
-                        static_cast<void>(published.load(std::memory_order_acquire));
-                        for (std::size_t worker = part.begin(); worker != part.end(); ++worker)
-                        {
-                            Run(worker);
-                        }
-                        ended.fetch_add(part.size(), std::memory_order_release);
-                    },
-                    tbb::simple_partitioner());
-            });
+                Job& self = *static_cast<Job*>(job);
+                // The pool orders these accesses by itself; tools that cannot look into it see the order through
+                // these two atomics.
+                static_cast<void>(self.published.load(std::memory_order_acquire));
+                self.Run(worker);
+                self.ended.fetch_add(1, std::memory_order_release);
+            },
+            this);
         static_cast<void>(ended.load(std::memory_order_acquire));
     }
 

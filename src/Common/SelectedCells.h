@@ -1,7 +1,7 @@
 #pragma once
 
 /** @file
- *  Walks the selected cells of a row of a mask. */
+ *  The selected cells of a row of a mask: those that are not 0. */
 
 #include <bit>
 #include <cstddef>
@@ -11,8 +11,8 @@
 namespace Zvl
 {
 
-/** One bit for each of eight mask cells from @p cells on, set where the cell is not 0; the first cell is bit 0. */
-inline unsigned SelectionOfEight(const std::uint8_t* cells)
+/** Eight mask cells from @p cells on as a word, the first in its lowest byte: 1 where the cell is not 0, else 0. */
+inline std::uint64_t SelectedBytes(const std::uint8_t* cells)
 {
     std::uint64_t word = 0;
     std::memcpy(&word, cells, sizeof(word));
@@ -20,11 +20,23 @@ inline unsigned SelectionOfEight(const std::uint8_t* cells)
     {
         word = __builtin_bswap64(word);
     }
-    // The carry out of the low seven bits, or the high bit itself, says that a byte is not 0; the product then gathers
-    // the eight high bits in the top byte.
+    // The carry out of the low seven bits, or the high bit itself, says that a byte is not 0.
     constexpr std::uint64_t low = 0x7f7f7f7f7f7f7f7fU;
-    const std::uint64_t high = ((((word & low) + low) | word) & ~low) >> 7U;
-    return static_cast<unsigned>((high * 0x0102040810204080U) >> 56U);
+    return ((((word & low) + low) | word) & ~low) >> 7U;
+}
+
+/** Selected cells among the eight from @p cells on. */
+inline std::size_t CountOfEight(const std::uint8_t* cells)
+{
+    // The product sums all bytes in the top one.
+    return static_cast<std::size_t>((SelectedBytes(cells) * 0x0101010101010101U) >> 56U);
+}
+
+/** One bit for each of eight mask cells from @p cells on, set where the cell is selected; the first cell is bit 0. */
+inline unsigned SelectionOfEight(const std::uint8_t* cells)
+{
+    // The product gathers the bytes' low bits in the top byte.
+    return static_cast<unsigned>((SelectedBytes(cells) * 0x0102040810204080U) >> 56U);
 }
 
 /** Calls `visit(column)` for each non-zero cell of @p mask, in ascending order. */
