@@ -137,6 +137,23 @@ public:
     /** `a * b`. */
     static RefFrame Mul(const RefFrame& a, const RefFrame& b);
 
+    /** Writes the frame as bytes: a length of 16 bits (100), the format version of 32 bits (1), and the twelve values as
+     *  64-bit floats, Ix, Iy, Iz, Jx to Jz, Kx to Kz, Tx to Tz; 102 bytes, little-endian, without gaps. No value is
+     *  interpreted: nulls and values that are not numbers come back as they were.
+     *  @param array receives a new #qArray1 of q8u, which the caller owns; untouched when this throws
+     *  @throws Zo::Exception #STATUS_BAD_PARAMETER when @p array is null; the platform's status when memory is
+     *          exhausted */
+    void Serialize(void** array) const;
+
+    /** Reads what Serialize() wrote. The version is read and not looked at. Bytes behind the block are ignored, and so
+     *  are bytes of the block behind the twelve values.
+     *  @param data @p size bytes, which are not changed; null only for a size of 0
+     *  @param allocator of the scratch objects; null is the platform's default
+     *  @throws Zo::Exception the platform's status (#STATUS_END_OF_STREAM for bytes that end too early, #STATUS_BAD_PARAMETER
+     *          for null data). Values are read straight into the frame: those ahead of the failure are then new, the
+     *          others old */
+    void Deserialize(void* data, std::size_t size, void* allocator);
+
 private:
     qPoint3d64f i;
     qPoint3d64f j;
