@@ -258,6 +258,63 @@ private:
     AnnularSector2d<double> annulus;
 };
 
+/** The cells where a reference surface has a height. The reference may have another extent and origin than the frame: its
+ *  origin is snapped to the frame's grid, half cells away from zero, and both the frame and the reference bound the box.
+ *
+ *  The region is empty when the reference's cells differ in size from the frame's by 2 to the power -23 or more, when a
+ *  layer that it needs is missing, of another type or of another size than the other one, or when the reference lies left
+ *  of the frame or above it. Its arrays are shared, not copied; a host that shrinks one of them after the box was computed
+ *  gets #STATUS_BAD_PARAMETER from GetMask(). */
+class ZDK_VISION_EXPORT SurfaceROI : public SingleROI
+{
+public:
+    SurfaceROI(const Surface& surface, std::uint64_t frameWidth, std::uint64_t frameHeight, const qPoint64f& scale,
+               const qPoint64f& offset, void* allocator);
+
+    /** A fresh region in the same place: data do not move with an anchor. */
+    std::shared_ptr<ROI> ApplyAnchor(const Anchor& anchor) override;
+
+    MaskType GetShapeType() const override;
+
+    /** A SurfaceROI over a copy of every layer, made with this region's allocator; also of an IntensityROI, whose range is
+     *  not carried over.
+     *  @throws Zo::Exception the platform's status when a layer cannot be copied */
+    std::shared_ptr<ROI> DeepCopy() const override;
+
+    const Surface& GetShape() const;
+
+protected:
+    void _CalculateBoundingBox() override;
+    void _AssignMaskSliced() override;
+
+    Surface surface;
+    qPoint32s surfaceCellOffset; ///< where cell (0, 0) of the box lies in the reference: column, row
+};
+
+/** The cells where a reference surface has a height and an intensity from a minimum to a maximum, both included. */
+class ZDK_VISION_EXPORT IntensityROI : public SurfaceROI
+{
+public:
+    IntensityROI(const Surface& surface, std::uint64_t frameWidth, std::uint64_t frameHeight, const qPoint64f& scale,
+                 const qPoint64f& offset, std::uint8_t minimum, std::uint8_t maximum, void* allocator);
+
+    /** A fresh region in the same place: data do not move with an anchor. */
+    std::shared_ptr<ROI> ApplyAnchor(const Anchor& anchor) override;
+
+    MaskType GetShapeType() const override;
+
+protected:
+    void _AssignMaskSliced() override;
+
+    struct IntensityRange
+    {
+        std::uint8_t minimum;
+        std::uint8_t maximum;
+    };
+
+    IntensityRange intensityRange;
+};
+
 /** Clears the cells of @p roi's mask whose heights are missing or outside [@p min, @p max]; the limits are those of the
  *  form that takes a rectangle and a mask. A surface without a height layer leaves @p roi untouched. The frame of
  *  @p roi must be that of the surface, which is the caller's duty; a box that does not fit leaves the mask as it was.
