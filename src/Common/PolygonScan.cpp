@@ -1,9 +1,9 @@
 #include "Common/PolygonScan.h"
 
+#include "Common/ActiveEdges.h"
 #include "Common/Rounding.h"
 
 #include <cmath>
-#include <utility>
 
 namespace Zvl
 {
@@ -23,133 +23,6 @@ private:
     double first;
     double scale;
     double offset;
-};
-
-/** The edges that can cross the present row, kept up from row to row. An edge is looked at only between the first and
- *  the last row that it reaches, so that a row costs its crossings and not all edges. The edges stay in the order of
- *  their last crossings, in which those of the next row are nearly sorted. */
-class ActiveEdges
-{
-public:
-    ActiveEdges(const std::vector<Point2d<double>>& points, const std::vector<double>& rowPositions)
-    {
-        const bool ascending = std::is_sorted(rowPositions.begin(), rowPositions.end());
-        for (std::size_t i = 0; i + 1 < points.size(); ++i)
-        {
-            Edge edge = {HorizontalCrossing(points[i], points[i + 1]), 0, rowPositions.size()};
-            if (ascending)
-            {
-                RestrictRows(edge, rowPositions);
-            }
-            if (!edge.crossing.horizontal && edge.firstRow < edge.endRow)
-            {
-                byFirstRow.push_back(edges.size());
-                edges.push_back(edge);
-            }
-        }
-        std::sort(byFirstRow.begin(), byFirstRow.end(),
-                  [this](std::size_t a, std::size_t b) { return edges[a].firstRow < edges[b].firstRow; });
-    }
-
-    /** Fills @p out with the distinct crossings at height @p y right of @p left, ascending. Rows are asked for in their
-     *  order. */
-    void CollectCrossings(std::size_t row, double y, double left, std::vector<double>& out)
-    {
-        Activate(row);
-        Cross(row, y, left);
-        out.clear();
-        for (const Crossing& crossing : active)
-        {
-            if (!IsCounted(crossing.x, left))
-            {
-                continue;
-            }
-            if (!out.empty() && crossing.x - out.back() < kGeometricTolerance)
-            {
-                CollectInPolygonOrder(left, out);
-                return;
-            }
-            out.push_back(crossing.x);
-        }
-    }
-
-private:
-    struct Edge
-    {
-        HorizontalCrossing crossing;
-        std::size_t firstRow;
-        std::size_t endRow;
-    };
-
-    struct Crossing
-    {
-        std::size_t edge;
-        double x;
-    };
-
-    static void RestrictRows(Edge& edge, const std::vector<double>& rowPositions)
-    {
-        const auto first = std::partition_point(rowPositions.begin(), rowPositions.end(),
-                                                [&](double y) { return !(y > edge.crossing.above); });
-        const auto end =
-            std::partition_point(first, rowPositions.end(), [&](double y) { return edge.crossing.below > y; });
-        edge.firstRow = static_cast<std::size_t>(first - rowPositions.begin());
-        edge.endRow = static_cast<std::size_t>(end - rowPositions.begin());
-    }
-
-    static bool IsCounted(double x, double left) { return x - left > kGeometricTolerance; }
-
-    void Activate(std::size_t row)
-    {
-        while (next < byFirstRow.size() && edges[byFirstRow[next]].firstRow <= row)
-        {
-            active.push_back({byFirstRow[next++], 0.0});
-        }
-    }
-
-    /** Moves all active edges on to their crossings with this row, ascending, and drops those that end before it. An edge
-     *  without a crossing that counts is put at @p left. */
-    void Cross(std::size_t row, double y, double left)
-    {
-        std::size_t kept = 0;
-        for (const Crossing& previous : active)
-        {
-            const Edge& edge = edges[previous.edge];
-            if (edge.endRow <= row)
-            {
-                continue;
-            }
-            const double x = edge.crossing.At(y);
-            const Crossing crossing = {previous.edge, edge.crossing.Reaches(y) && IsCounted(x, left) ? x : left};
-            std::size_t place = kept++;
-            for (; place > 0 && active[place - 1].x > crossing.x; --place)
-            {
-                active[place] = active[place - 1];
-            }
-            active[place] = crossing;
-        }
-        active.resize(kept);
-    }
-
-    /** Of crossings that fall together, the first in the polygon's order is the one that stays. */
-    void CollectInPolygonOrder(double left, std::vector<double>& out) const
-    {
-        std::vector<Crossing> ordered = active;
-        std::sort(ordered.begin(), ordered.end(), [](const Crossing& a, const Crossing& b) { return a.edge < b.edge; });
-        out.clear();
-        for (const Crossing& crossing : ordered)
-        {
-            if (IsCounted(crossing.x, left))
-            {
-                InsertDistinct(crossing.x, out);
-            }
-        }
-    }
-
-    std::vector<Edge> edges; ///< in the polygon's order
-    std::vector<std::size_t> byFirstRow;
-    std::vector<Crossing> active;
-    std::size_t next = 0;
 };
 
 /** Finds out whether a row's crossings hit a vertex. Only vertices level with the row can be hit. */
