@@ -135,6 +135,15 @@ TEST(RegionToRectangle, NullPointersDoNothing)
     EXPECT_EQ(cells, (Rect2d<int>{1, 2, 3, 4}));
     EXPECT_NO_THROW(GetRegionPixel(10, 10, qPoint64f{0.0, 0.0}, qPoint64f{1.0, 1.0}, &region, nullptr, nullptr, 1));
     EXPECT_NO_THROW(GetRegionPixel(nullptr, nullptr, nullptr, nullptr, 0));
+    GetRegionXZPixel(10, qPoint64f{0.0, 0.0}, qPoint64f{1.0, 1.0}, nullptr, &cells, nullptr, 1);
+    EXPECT_EQ(cells, (Rect2d<int>{1, 2, 3, 4}));
+
+    RunLength<int> run = {5, 6};
+    GetRegionPixel(10, 0.0, 1.0, nullptr, &run, nullptr, 1);
+    EXPECT_EQ(run, (RunLength<int>{5, 6}));
+    Rect3d<int> box = {1, 2, 3, 4, 5, 6};
+    GetRegionPixel(10, 8, qPoint3d64f{0.0, 0.0, 0.0}, qPoint3d64f{1.0, 1.0, 1.0}, nullptr, &box, nullptr, 1);
+    EXPECT_TRUE(box.x == 1 && box.width == 3 && box.z == 5 && box.depth == 6);
 }
 
 TEST(RegionToRectangle, AxesAreIndependent)
