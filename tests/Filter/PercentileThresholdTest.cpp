@@ -143,12 +143,33 @@ TEST(ThresholdPercentile, CellsOfOtherValuesAreRankedWithTheRest)
 
 TEST(ThresholdPercentile, DistancesThatAreNotNumbersDoNoHarm)
 {
-    Surface surface = TestSupport::MakeSurface(10, 10, std::vector<std::int16_t>(100, 3));
+    std::mt19937 random(53);
     for (const double strange : {kNotANumber, std::numeric_limits<double>::infinity(), 0.0, TestSupport::kNull})
     {
+        Surface surface = TestSupport::MakeRandomSurface(60, 60, 0.0, random);
         surface.scale.x = strange;
         EXPECT_NO_THROW(
-            ThresholdPercentile<double>(surface, 10.0, 90.0, {0, 0, 10, 10}, MakeFilled<std::uint8_t>(10, 10, 1)));
+            ThresholdPercentile<double>(surface, 10.0, 90.0, {0, 0, 60, 60}, MakeFilled<std::uint8_t>(60, 60, 1)));
+    }
+}
+
+TEST(ThresholdPercentile, DistancesThatAreNotNumbersRankLastAndStay)
+{
+    // An infinite height scale puts the plane at infinity: heights above zero are at no distance that is a number,
+    // those below are at minus infinity.
+    std::mt19937 random(59);
+    std::vector<std::int16_t> heights(60 * 60);
+    for (std::int16_t& height : heights)
+    {
+        height = static_cast<std::int16_t>(random() % 3 == 0 ? -5 : 5);
+    }
+    Surface surface = TestSupport::MakeSurface(60, 60, heights);
+    surface.scale.z = std::numeric_limits<double>::infinity();
+    const Zo::Object<void*> mask = MakeFilled<std::uint8_t>(60, 60, 1);
+    for (const auto& [low, high] : {std::pair<double, double>{0.0, 10.0}, {20.0, 60.0}, {70.0, 90.0}})
+    {
+        ThresholdPercentile<double>(surface, low, high, {0, 0, 60, 60}, mask);
+        EXPECT_EQ(CellsIn<std::uint8_t>(mask), Mask(3600, 1)) << low << " to " << high;
     }
 }
 
