@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Alignment/Anchor.h>
 
-#include "Alignment/ExpectFailure.h"
+#include "support/ExpectThrow.h"
 #include "support/FailingAllocator.h"
 
 #include <gtest/gtest.h>
@@ -123,9 +123,10 @@ TEST(AnchorPointSetRegion, NullArraysAreFineWithoutPointsOnly)
     AnchorPointSetRegion(Anchor(), none, 0, nullptr);
     for (const Anchor& anchor : {Anchor(), kQuarterTurn})
     {
-        ExpectFailure(STATUS_BAD_PARAMETER, kFunction, [&] { AnchorPointSetRegion(anchor, none, 1, &point); });
-        ExpectFailure(STATUS_BAD_PARAMETER, kFunction,
-                      [&] { AnchorPointSetRegion(anchor, &point, 1, static_cast<qPoint3d64f*>(nullptr)); });
+        TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, kFunction,
+                                 [&] { AnchorPointSetRegion(anchor, none, 1, &point); });
+        TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, kFunction,
+                                 [&] { AnchorPointSetRegion(anchor, &point, 1, static_cast<qPoint3d64f*>(nullptr)); });
     }
 }
 
@@ -189,20 +190,23 @@ TEST(AnchorPointSetRegionOfLists, UnfitHandlesAreRejected)
     Zo::Object<void*> old = ListOf({{9, 9, 9}});
 
     void* out = old.Get();
-    ExpectFailure(STATUS_BAD_PARAMETER, kFunction, [&] { AnchorPointSetRegion(kQuarterTurn, nullptr, &out, nullptr); });
+    TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, kFunction,
+                             [&] { AnchorPointSetRegion(kQuarterTurn, nullptr, &out, nullptr); });
     for (void* const in : {static_cast<void*>(nullptr), bytes.Get(), array.Get(), static_cast<void*>(&foreign)})
     {
-        ExpectFailure(STATUS_BAD_PARAMETER, kFunction, [&] { AnchorPointSetRegion(kQuarterTurn, &in, &out, nullptr); });
+        TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, kFunction,
+                                 [&] { AnchorPointSetRegion(kQuarterTurn, &in, &out, nullptr); });
     }
     ExpectItems(old, {{9, 9, 9}});
 
     void* const in = points.Get();
-    ExpectFailure(STATUS_BAD_PARAMETER, kFunction, [&] { AnchorPointSetRegion(kQuarterTurn, &in, nullptr, nullptr); });
+    TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, kFunction,
+                             [&] { AnchorPointSetRegion(kQuarterTurn, &in, nullptr, nullptr); });
     for (void* unfit : {bytes.Get(), array.Get(), static_cast<void*>(&foreign)})
     {
         void* const before = unfit;
-        ExpectFailure(STATUS_BAD_PARAMETER, kFunction,
-                      [&] { AnchorPointSetRegion(kQuarterTurn, &in, &unfit, nullptr); });
+        TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, kFunction,
+                                 [&] { AnchorPointSetRegion(kQuarterTurn, &in, &unfit, nullptr); });
         EXPECT_EQ(unfit, before);
     }
     EXPECT_EQ(qArrayList_Count(bytes), 0U);
@@ -248,7 +252,8 @@ TEST(AnchorPointSetRegionOfLists, ShortageOfMemoryLeavesAnOldListEmpty)
         void* outHandle = out.Get();
         allocator.FailAt(1, mode);
         const int status = mode == TestSupport::Failing::OnlyNth ? STATUS_OK : STATUS_OUT_OF_MEMORY;
-        ExpectFailure(status, kFunction, [&] { AnchorPointSetRegion(kQuarterTurn, &inHandle, &outHandle, nullptr); });
+        TestSupport::ExpectThrow(status, kFunction,
+                                 [&] { AnchorPointSetRegion(kQuarterTurn, &inHandle, &outHandle, nullptr); });
         EXPECT_EQ(allocator.Failures(), mode == TestSupport::Failing::OnlyNth ? 1U : 2U);
         EXPECT_EQ(outHandle, out.Get());
         EXPECT_EQ(qObject_ShareCount(out), 1);
@@ -318,12 +323,13 @@ TEST(AnchorPolygon, ANullOutputThrowsEvenWithoutVertices)
     const std::vector<Point2d<double>> flat;
     const std::vector<Point3d<double>> solid;
     const char* function = "Zvl::AnchorPolygon";
-    ExpectFailure(STATUS_BAD_PARAMETER, function, [&] { AnchorPolygon(kQuarterTurn, flat, nullptr); });
-    ExpectFailure(STATUS_BAD_PARAMETER, function, [&] { AnchorPolygon(kQuarterTurn, solid, nullptr); });
-    ExpectFailure(STATUS_BAD_PARAMETER, function,
-                  [&] {
-                      AnchorPolygon(kQuarterTurn, {{1.0, 2.0}}, static_cast<std::vector<Point2d<double>>*>(nullptr));
-                  });
+    TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, function, [&] { AnchorPolygon(kQuarterTurn, flat, nullptr); });
+    TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, function, [&] { AnchorPolygon(kQuarterTurn, solid, nullptr); });
+    TestSupport::ExpectThrow(
+        STATUS_BAD_PARAMETER, function,
+        [&] {
+            AnchorPolygon(kQuarterTurn, {{1.0, 2.0}}, static_cast<std::vector<Point2d<double>>*>(nullptr));
+        });
 }
 
 } // namespace Zvl

@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Alignment/Anchor.h>
 
-#include "Alignment/ExpectFailure.h"
+#include "support/ExpectThrow.h"
 
 #include <gtest/gtest.h>
 
@@ -187,7 +187,7 @@ TEST(AnchorShapes, NullPointersAreRejected)
     const Anchor anchor = {10, 20, 30, 90};
     Region3d<double> box = kBox;
     const auto expectRejected = [](const char* function, auto callable)
-    { ExpectFailure(STATUS_BAD_PARAMETER, function, callable); };
+    { TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, function, callable); };
     expectRejected("Zvl::AnchorSurfaceRegion", [&] { AnchorSurfaceRegion(anchor, nullptr, &box); });
     expectRejected("Zvl::AnchorSurfaceRegion", [&] { AnchorSurfaceRegion(anchor, &box, nullptr); });
     expectRejected("Zvl::AnchorRectangle", [&] { AnchorRectangle(anchor, kRectangle, nullptr); });

@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Alignment/RefFrame.h>
 
-#include "Alignment/ExpectFailure.h"
+#include "support/ExpectThrow.h"
 
 #include <gtest/gtest.h>
 
@@ -163,8 +163,8 @@ TEST(RefFrame, NullArraysOfPointsAreRejected)
 {
     qPoint3d64f point = {1, 2, 3};
     const RefFrame frame;
-    ExpectFailure(STATUS_BAD_PARAMETER, "Zvl::RefFrame::ApplyN", [&] { frame.ApplyN(&point, 1, nullptr); });
-    ExpectFailure(STATUS_BAD_PARAMETER, "Zvl::RefFrame::ApplyN", [&] { frame.ApplyN(nullptr, 1, &point); });
+    TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, "Zvl::RefFrame::ApplyN", [&] { frame.ApplyN(&point, 1, nullptr); });
+    TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, "Zvl::RefFrame::ApplyN", [&] { frame.ApplyN(nullptr, 1, &point); });
 }
 
 // ---------------------------------------------------------------------------------------------------------

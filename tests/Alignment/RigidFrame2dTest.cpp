@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Alignment/RefFrame.h>
 
-#include "Alignment/ExpectFailure.h"
+#include "support/ExpectThrow.h"
 
 #include <gtest/gtest.h>
 #include <opencv2/core.hpp>
@@ -107,7 +107,8 @@ TEST(RigidFrame2d, TooFewOrUnequalPointsThrowAndKeepTheFrame)
     for (const auto& sets : {std::pair(none, none), std::pair(one, one), std::pair(two, three), std::pair(three, two),
                              std::pair(two, none), std::pair(one, two)})
     {
-        ExpectFailure(STATUS_BAD_DATA, "Zvl::RefFrame::SetFrame", [&] { frame.SetFrame(sets.first, sets.second); });
+        TestSupport::ExpectThrow(STATUS_BAD_DATA, "Zvl::RefFrame::SetFrame",
+                                 [&] { frame.SetFrame(sets.first, sets.second); });
         EXPECT_EQ(frame.GetIx(), 1.0);
         EXPECT_EQ(frame.GetKy(), 8.0);
         EXPECT_EQ(frame.GetTz(), 12.0);

@@ -227,8 +227,8 @@ TEST(FitCircle, MinimumZoneIsNotYetSupported)
     {
         Outputs outputs;
         const Points points = RoundPart();
-        ExpectThrows(STATUS_NOT_SUPPORTED, "Zvl::FitCircle",
-                     [&] { FitInto(outputs, points.data(), points.size(), percent, Zvl::CIRCLE_MZC); });
+        TestSupport::ExpectThrow(STATUS_NOT_SUPPORTED, "Zvl::FitCircle",
+                                 [&] { FitInto(outputs, points.data(), points.size(), percent, Zvl::CIRCLE_MZC); });
         ExpectUntouched(outputs);
     }
 }
@@ -239,13 +239,14 @@ TEST(FitCircle, FailingFitLeavesAllOutputsAsTheyWere)
     for (const double percent : {0.0, 25.0})
     {
         Outputs outputs;
-        ExpectThrows(STATUS_BAD_DATA, "Zvl::FitCircle_LSC",
-                     [&] { FitInto(outputs, line.data(), line.size(), percent, Zvl::CIRCLE_LSC); });
+        TestSupport::ExpectThrow(STATUS_BAD_DATA, "Zvl::FitCircle_LSC",
+                                 [&] { FitInto(outputs, line.data(), line.size(), percent, Zvl::CIRCLE_LSC); });
         ExpectUntouched(outputs);
     }
     Outputs outputs;
     const Points huge{{1e20, 0.0}, {-1e20, 0.0}, {0.0, 1e20}};
-    ExpectThrows(0, "Zvl::FitCircle_LSC", [&] { FitInto(outputs, huge.data(), huge.size(), 0.0, Zvl::CIRCLE_LSC); });
+    TestSupport::ExpectThrow(0, "Zvl::FitCircle_LSC",
+                             [&] { FitInto(outputs, huge.data(), huge.size(), 0.0, Zvl::CIRCLE_LSC); });
     ExpectUntouched(outputs);
 }
 

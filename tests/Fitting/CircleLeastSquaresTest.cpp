@@ -50,9 +50,9 @@ Fit Textbook(const std::vector<qPoint64f>& points, double outlierPercent)
             rows.insert(rows.end(), {2.0 * point.x, 2.0 * point.y, 1.0});
             rightSides.push_back(point.x * point.x + point.y * point.y);
         }
-        const auto matrix = MakeArray(xxq64f_type, fit.kept.size(), 3, rows);
-        const auto rightSide = MakeArray(xxq64f_type, fit.kept.size(), 1, rightSides);
-        const auto solution = MakeArray(xxq64f_type, 3, 1, std::vector<double>(3));
+        const auto matrix = TestSupport::MakeArray(fit.kept.size(), 3, rows);
+        const auto rightSide = TestSupport::MakeArray(fit.kept.size(), 1, rightSides);
+        const auto solution = TestSupport::MakeArray(3, 1, std::vector<double>(3));
         Zo::Test(qMatrix_SolveSystem(matrix, solution, rightSide));
         const auto* values = static_cast<const double*>(qArray2_At(solution, 0, 0));
         fit.center = {values[0], values[1]};
@@ -241,12 +241,12 @@ void ExpectFailure(int status, const std::vector<qPoint64f>& points, double outl
 {
     Fit fit;
     fit.kept = fit.outliers = {{1.0, 1.0}};
-    ExpectThrows(status, kFunction,
-                 [&]
-                 {
-                     Zvl::FitCircle_LSC(points.data(), points.size(), outlierPercent, &fit.center, &fit.radius,
-                                        &fit.kept, &fit.outliers);
-                 });
+    TestSupport::ExpectThrow(status, kFunction,
+                             [&]
+                             {
+                                 Zvl::FitCircle_LSC(points.data(), points.size(), outlierPercent, &fit.center,
+                                                    &fit.radius, &fit.kept, &fit.outliers);
+                             });
     EXPECT_TRUE(Same(fit.center, {kNull, kNull}));
     EXPECT_EQ(fit.radius, kNull);
     EXPECT_EQ(fit.kept.size(), 1U);

@@ -1,72 +1,27 @@
 #pragma once
 
 /** @file
- *  Inputs of the fitting tests: surfaces and masks from lists of cells, and the failures they expect. */
+ *  Inputs of the fitting tests: masks, and everything that can be wrong with a surface and its mask. */
 
-#include <ZdkVisionLib/Common/Common.h>
+#include "support/Surfaces.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace FittingSupport
 {
 
-template <typename T>
-Zo::Object<void*> MakeArray(qType type, std::size_t rows, std::size_t columns, const std::vector<T>& cells)
-{
-    Zo::Object<void*> array;
-    Zo::Test(qArray2_Construct(array.Slot(), type, rows, columns, nullptr));
-    if (cells.size() != rows * columns)
-    {
-        throw std::invalid_argument("cells do not fill the array");
-    }
-    if (!cells.empty())
-    {
-        std::copy(cells.begin(), cells.end(), static_cast<T*>(qArray2_At(array, 0, 0)));
-    }
-    return array;
-}
+using TestSupport::MakeSurface;
 
 inline Zo::Object<void*> MakeMask(std::size_t rows, std::size_t columns, const std::vector<std::uint8_t>& cells)
 {
-    return MakeArray(xxq8u_type, rows, columns, cells);
+    return TestSupport::MakeArray(rows, columns, cells);
 }
 
 inline Zo::Object<void*> FullMask(std::size_t rows, std::size_t columns)
 {
-    return MakeMask(rows, columns, std::vector<std::uint8_t>(rows * columns, 1));
-}
-
-inline Zvl::Surface MakeSurface(std::size_t rows, std::size_t columns, const std::vector<std::int16_t>& heights,
-                                qPoint3d64f scale = {1.0, 1.0, 1.0}, qPoint3d64f offset = {0.0, 0.0, 0.0})
-{
-    Zvl::Surface surface;
-    surface.scale = scale;
-    surface.offset = offset;
-    surface.layers.push_back(MakeArray(xxq16s_type, rows, columns, heights));
-    return surface;
-}
-
-/** Expects @p callable to throw a Zo::Exception with @p status and @p function, and no message. */
-template <typename Callable>
-void ExpectThrows(int status, const std::string& function, Callable&& callable)
-{
-    try
-    {
-        callable();
-        ADD_FAILURE() << "nothing was thrown";
-    }
-    catch (const Zo::Exception& exception)
-    {
-        EXPECT_EQ(exception.GetStatus(), status);
-        EXPECT_EQ(exception.GetFunction(), function);
-        EXPECT_STREQ(exception.GetMessage(), "");
-    }
+    return TestSupport::MakeFilled<std::uint8_t>(rows, columns, 1);
 }
 
 /** An input to a fit over a surface that has nothing to fit. */

@@ -109,10 +109,10 @@ Fit Textbook(const Points& points, double outlierPercent, std::size_t maxPasses)
     Fit fit{{}, 0.0, {}, {}};
     for (;;)
     {
-        const auto pMat = MakeArray(xxq64f_type, 4, 4, matrix);
-        const auto pVec = MakeArray(xxq64f_type, 4, 1, vector);
-        const auto inverse = MakeArray(xxq64f_type, 4, 4, std::vector<double>(16));
-        const auto solution = MakeArray(xxq64f_type, 4, 1, std::vector<double>(4));
+        const auto pMat = TestSupport::MakeArray(4, 4, matrix);
+        const auto pVec = TestSupport::MakeArray(4, 1, vector);
+        const auto inverse = TestSupport::MakeArray(4, 4, std::vector<double>(16));
+        const auto solution = TestSupport::MakeArray(4, 1, std::vector<double>(4));
         double determinant = 0.0;
         Zo::Test(qMatrix_Invert(pMat, inverse, &determinant));
         Zo::Test(qMatrix_Mul64f(inverse, pVec, solution));
@@ -539,12 +539,12 @@ TEST(FitSphereToSurface, FlatCellsAreNotSupportedAndLeaveTheirPoints)
     const Zvl::Surface surface = MakeSurface(4, 4, std::vector<std::int16_t>(16, 3));
     Fit fit;
     Points points;
-    ExpectThrows(STATUS_NOT_SUPPORTED, kFunction,
-                 [&]
-                 {
-                     Zvl::FitSphere(surface, {0, 0, 4, 4}, FullMask(4, 4).Get(), &fit.center, &fit.radius, points,
-                                    nullptr, 0.0, &fit.kept, &fit.outliers, 1);
-                 });
+    TestSupport::ExpectThrow(STATUS_NOT_SUPPORTED, kFunction,
+                             [&]
+                             {
+                                 Zvl::FitSphere(surface, {0, 0, 4, 4}, FullMask(4, 4).Get(), &fit.center, &fit.radius,
+                                                points, nullptr, 0.0, &fit.kept, &fit.outliers, 1);
+                             });
     ExpectNoSphere(fit);
     ExpectVectorsUntouched(fit);
     EXPECT_EQ(points.size(), 16U);

@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Geometry/Geometry.h>
 
-#include "Alignment/ExpectFailure.h"
+#include "support/ExpectThrow.h"
 
 #include <gtest/gtest.h>
 
@@ -103,10 +103,10 @@ TEST(ExtractPolygonFromRect, ValuesThatAreNotFiniteStillGiveFiveVertices)
 
 TEST(ExtractPolygonFromRect, ANullOutputThrows)
 {
-    ExpectFailure(STATUS_BAD_PARAMETER, "Zvl::ExtractPolygonFromRect",
-                  [] {
-                      ExtractPolygonFromRect({1, 2, 4, 2, 0}, nullptr);
-                  });
+    TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, "Zvl::ExtractPolygonFromRect",
+                             [] {
+                                 ExtractPolygonFromRect({1, 2, 4, 2, 0}, nullptr);
+                             });
 }
 
 } // namespace Zvl

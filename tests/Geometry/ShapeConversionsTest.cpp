@@ -1,6 +1,6 @@
 #include <ZdkVisionLib/Geometry/Geometry.h>
 
-#include "Alignment/ExpectFailure.h"
+#include "support/ExpectThrow.h"
 
 #include <gtest/gtest.h>
 
@@ -103,7 +103,7 @@ TEST(ShapeConversions, AnEllipticalSectorGetsAndLosesItsZ)
 TEST(ShapeConversions, ANullOutputThrowsUnderTheFunctionsOwnName)
 {
     const auto expectRejected = [](const char* function, auto callable)
-    { ExpectFailure(STATUS_BAD_PARAMETER, function, callable); };
+    { TestSupport::ExpectThrow(STATUS_BAD_PARAMETER, function, callable); };
     expectRejected("Zvl::Rect2dTo3d", [] { Rect2dTo3d({}, nullptr); });
     expectRejected("Zvl::Rect3dTo2d", [] { Rect3dTo2d({}, nullptr); });
     expectRejected("Zvl::Polygon2dTo3d", [] { Polygon2dTo3d({}, nullptr); });

@@ -5,10 +5,11 @@
 
 #include <ZdkVisionLib/Common/Common.h>
 
+#include "support/ExpectThrow.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <functional>
 #include <random>
 #include <vector>
 
@@ -71,12 +72,13 @@ std::vector<T> CellsIn(void* array)
     return cells;
 }
 
-/** A surface with unit scale, no offset, and the given heights. */
-inline Zvl::Surface MakeSurface(std::size_t rows, std::size_t columns, const std::vector<std::int16_t>& heights)
+/** A surface with the given heights. */
+inline Zvl::Surface MakeSurface(std::size_t rows, std::size_t columns, const std::vector<std::int16_t>& heights,
+                                qPoint3d64f scale = {1.0, 1.0, 1.0}, qPoint3d64f offset = {0.0, 0.0, 0.0})
 {
     Zvl::Surface surface;
-    surface.scale = {1.0, 1.0, 1.0};
-    surface.offset = {0.0, 0.0, 0.0};
+    surface.scale = scale;
+    surface.offset = offset;
     surface.layers.push_back(MakeArray(rows, columns, heights));
     return surface;
 }
@@ -109,21 +111,6 @@ inline Zo::Object<void*> MakeRandomMask(std::size_t rows, std::size_t columns, d
         cell = selected(random) ? 1 : 0;
     }
     return MakeArray(rows, columns, cells);
-}
-
-/** Expects that @p call throws a `Zo::Exception` with @p status and @p function. */
-inline void ExpectThrow(int status, const char* function, const std::function<void()>& call)
-{
-    try
-    {
-        call();
-        ADD_FAILURE() << "nothing was thrown, expected " << function << " with " << status;
-    }
-    catch (const Zo::Exception& exception)
-    {
-        EXPECT_EQ(exception.GetStatus(), status);
-        EXPECT_STREQ(exception.GetFunction(), function);
-    }
 }
 
 /** Sets the workers of the default pool for as long as it lives. */
