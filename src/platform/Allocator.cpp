@@ -30,24 +30,33 @@ namespace
 constinit std::atomic<Allocator*> replacedDefault{nullptr};
 constinit std::mutex defaultMutex;
 
-/** The built-in heap. The first touch of fresh memory costs a fault per page, which for the cells of a height map is
- *  more than filling them; large blocks therefore ask for large pages. */
-void* AllocateFromHeap(std::size_t size) noexcept
+/** Asks for large pages wherever a whole one lies in the block. It is a hint: without it the memory is only slower. */
+void AskForLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) noexcept
 {
 #if defined(MADV_HUGEPAGE)
     constexpr std::size_t kLargePage = std::size_t{2} << 20U;
-    if (size >= 2 * kLargePage && size <= static_cast<std::size_t>(PTRDIFF_MAX) - kLargePage)
+    const auto start = reinterpret_cast<std::uintptr_t>(memory);
+    const std::uintptr_t first = (start + kLargePage - 1) / kLargePage * kLargePage;
+    const std::uintptr_t last = (start + size) / kLargePage * kLargePage;
+    if (first < last)
     {
-        const std::size_t whole = (size + kLargePage - 1) / kLargePage * kLargePage;
-        void* memory = std::aligned_alloc(kLargePage, whole);
-        if (memory != nullptr)
-        {
-            madvise(memory, whole, MADV_HUGEPAGE); // a hint: without it the memory is only slower
-        }
-        return memory;
+        madvise(static_cast<unsigned char*>(memory) + (first - start), last - first, MADV_HUGEPAGE);
     }
 #endif
-    return std::malloc(size);
+}
+
+/** The built-in heap. The first touch of fresh memory costs a fault per page, which for the cells of a height map is
+ *  more than filling them; large blocks therefore ask for large pages. They come from `malloc` without an alignment of
+ *  their own, since blocks with one would be mapped and unmapped each time. */
+void* AllocateFromHeap(std::size_t size) noexcept
+{
+    constexpr std::size_t kLargeBlock = std::size_t{4} << 20U;
+    void* memory = std::malloc(size);
+    if (memory != nullptr && size >= kLargeBlock)
+    {
+        AskForLargePages(memory, size);
+    }
+    return memory;
 }
 
 void* AllocateRaw(const Allocator* allocator, std::size_t size) noexcept

@@ -64,9 +64,18 @@ qStatus qArray1_Allocate(qArray1 array, qType type, std::size_t count)
     Array1& target = CastTo<Array1>(array, __FILE__, __LINE__);
     const TypeRecord& itemType = CheckedType(type, __FILE__, __LINE__);
     std::size_t bytes = 0;
+    if (!ItemBytes(itemType, count, bytes))
+    {
+        return STATUS_OUT_OF_MEMORY;
+    }
+    if (CanStay(ItemType(&target), target.count * ItemType(&target).size, itemType, bytes))
+    {
+        HeaderOf(&target).itemType = &itemType;
+        target.count = count;
+        return STATUS_OK;
+    }
     void* data = nullptr;
-    if (!ItemBytes(itemType, count, bytes) ||
-        AllocateItems(HeaderOf(&target).allocator, itemType, bytes, &data) != STATUS_OK)
+    if (AllocateItems(HeaderOf(&target).allocator, itemType, bytes, &data) != STATUS_OK)
     {
         return STATUS_OUT_OF_MEMORY;
     }

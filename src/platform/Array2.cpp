@@ -13,16 +13,21 @@ std::size_t CellCount(const Array2& array)
     return array.length0 * array.length1;
 }
 
+void SetShape(Array2& array, const TypeRecord& type, std::size_t length0, std::size_t length1) noexcept
+{
+    HeaderOf(&array).itemType = &type;
+    array.length0 = length0;
+    array.length1 = length1;
+    array.itemSize = type.size;
+}
+
 /** Puts a new block with its type and size in place of what the array holds. */
 void Replace(Array2& array, const TypeRecord& type, std::size_t length0, std::size_t length1, void* data) noexcept
 {
     const Keeper keeper(&array);
     DisposeArray2(&array);
-    HeaderOf(&array).itemType = &type;
+    SetShape(array, type, length0, length1);
     array.data = data;
-    array.length0 = length0;
-    array.length1 = length1;
-    array.itemSize = type.size;
 }
 
 /** The cell, or null when the position is out of range. */
@@ -112,9 +117,17 @@ qStatus qArray2_Allocate(qArray2 array, qType type, std::size_t length0, std::si
     Array2& target = CastTo<Array2>(array, __FILE__, __LINE__);
     const TypeRecord& itemType = CheckedType(type, __FILE__, __LINE__);
     std::size_t bytes = 0;
+    if (!GridBytes(itemType, length0, length1, bytes))
+    {
+        return STATUS_OUT_OF_MEMORY;
+    }
+    if (CanStay(ItemType(&target), CellCount(target) * target.itemSize, itemType, bytes))
+    {
+        SetShape(target, itemType, length0, length1);
+        return STATUS_OK;
+    }
     void* data = nullptr;
-    if (!GridBytes(itemType, length0, length1, bytes) ||
-        AllocateItems(HeaderOf(&target).allocator, itemType, bytes, &data) != STATUS_OK)
+    if (AllocateItems(HeaderOf(&target).allocator, itemType, bytes, &data) != STATUS_OK)
     {
         return STATUS_OUT_OF_MEMORY;
     }

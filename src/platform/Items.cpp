@@ -39,6 +39,11 @@ qStatus AllocateItems(Allocator* allocator, const TypeRecord& type, std::size_t 
     return STATUS_OK;
 }
 
+bool CanStay(const TypeRecord& old, std::size_t oldBytes, const TypeRecord& type, std::size_t bytes) noexcept
+{
+    return !old.isClass && !type.isClass && oldBytes == bytes;
+}
+
 void ReleaseItems(const TypeRecord& type, void* items, std::size_t count) noexcept
 {
     if (type.isClass)

@@ -19,6 +19,10 @@ bool GridBytes(const TypeRecord& type, std::size_t rows, std::size_t columns, st
 /** Makes a block of @p bytes; 0 bytes need none. Handles in it are null, other items undefined. */
 qStatus AllocateItems(Allocator* allocator, const TypeRecord& type, std::size_t bytes, void** data) noexcept;
 
+/** True when a block that holds items of type @p old can take items of type @p type without being replaced: both are plain
+ *  and need equally many bytes. */
+bool CanStay(const TypeRecord& old, std::size_t oldBytes, const TypeRecord& type, std::size_t bytes) noexcept;
+
 /** Gives up the counts of @p count items and sets them to null; does nothing for plain items. */
 void ReleaseItems(const TypeRecord& type, void* items, std::size_t count) noexcept;
 

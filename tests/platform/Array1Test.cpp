@@ -48,6 +48,19 @@ TEST(Array1, TakesAnotherShape)
     EXPECT_EQ(static_cast<double*>(qArray1_Data(array))[99], 0.0);
 }
 
+TEST(Array1, AReshapeOfAsManyBytesKeepsTheBlock)
+{
+    const Handle array = MakeArray1(xxq16s_type, 4);
+    void* data = qArray1_Data(array);
+    ASSERT_EQ(qArray1_Allocate(array, xxq64f_type, 1), STATUS_OK);
+    EXPECT_EQ(qArray1_Data(array), data);
+    EXPECT_EQ(qArray1_Count(array), 1U);
+    EXPECT_EQ(qArray1_Type(array), xxq64f_type);
+    // Handles start as null, which old bytes would not be.
+    ASSERT_EQ(qArray1_Allocate(array, xxqObject_type, 1), STATUS_OK);
+    EXPECT_EQ(*static_cast<void**>(qArray1_Data(array)), nullptr);
+}
+
 TEST(Array1, AFailedReshapeChangesNothing)
 {
     const Handle array = MakeArray1(xxq8u_type, 3);

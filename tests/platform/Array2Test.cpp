@@ -167,6 +167,23 @@ TEST(Array2, ClonesAreIndependent)
     EXPECT_TRUE(IsAligned(qArray2_At(copy, 0, 0)));
 }
 
+TEST(Array2, AReshapeOfAsManyBytesKeepsTheBlock)
+{
+    const Handle array = Numbered(2, 2);
+    const void* data = &Cell(array, 0, 0);
+    ASSERT_EQ(qArray2_Allocate(array, xxq16s_type, 4, 1), STATUS_OK);
+    EXPECT_EQ(&Cell(array, 0, 0), data);
+    EXPECT_EQ(qArray2_Length(array, 0), 4U);
+    EXPECT_EQ(qArray2_Length(array, 1), 1U);
+    // An array of handles releases them and starts anew.
+    ASSERT_EQ(qArray2_Allocate(array, xxqObject_type, 1, 1), STATUS_OK);
+    EXPECT_EQ(*static_cast<void**>(qArray2_At(array, 0, 0)), nullptr);
+    void* item = MakeArray2(xxq8u_type, 1, 1).Detach();
+    ASSERT_EQ(qArray2_SetItem(array, 0, 0, &item), STATUS_OK);
+    ASSERT_EQ(qArray2_Allocate(array, xxq64f_type, 1, 1), STATUS_OK);
+    EXPECT_FALSE(xqCastClass_ObjectIsValid(item));
+}
+
 TEST(Array2, WithoutMemoryNothingChanges)
 {
     const auto construct = []

@@ -181,7 +181,7 @@ ZDK_PLATFORM_EXPORT qStatus qAlloc_SetDefault(qAlloc allocator);
  *  #STATUS_OUT_OF_MEMORY at once. */
 ZDK_PLATFORM_EXPORT qStatus qArray1_Construct(qArray1* slot, qType type, std::size_t count, qAlloc allocator);
 
-/** Gives @p array another type and count, contents undefined. */
+/** Gives @p array another type and count, contents undefined. The block stays when plain items fill it exactly. */
 ZDK_PLATFORM_EXPORT qStatus qArray1_Allocate(qArray1 array, qType type, std::size_t count);
 
 /** Sets all bytes of the cells to 0. */
@@ -201,7 +201,7 @@ ZDK_PLATFORM_EXPORT qType qArray1_Type(qArray1 array);        ///< element type
 ZDK_PLATFORM_EXPORT qStatus qArray2_Construct(qArray2* slot, qType type, std::size_t length0, std::size_t length1,
                                               qAlloc allocator);
 
-/** Gives @p array another type and size, contents undefined. */
+/** Gives @p array another type and size, contents undefined. The block stays when plain items fill it exactly. */
 ZDK_PLATFORM_EXPORT qStatus qArray2_Allocate(qArray2 array, qType type, std::size_t length0, std::size_t length1);
 
 /** Sets all bytes of the cells to 0. */
