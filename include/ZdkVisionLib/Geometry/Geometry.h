@@ -1,10 +1,11 @@
 #pragma once
 
 /** @file
- *  Shapes: their 2-D and 3-D records, whether a point lies in a sector, and the polygon of a rectangle.
+ *  Shapes: their 2-D and 3-D records, whether a point lies in a sector, the polygon of a rectangle, and the box around
+ *  selected cells.
  *
- *  All functions take constant time, or time linear in the vertices of a polygon, and may be called on any
- *  thread. */
+ *  Unless a comment says otherwise, functions take constant time, or time linear in the vertices of a polygon. All may
+ *  be called on any thread. */
 
 #include <ZdkVisionLib/Common/Common.h>
 
@@ -59,5 +60,31 @@ ZDK_VISION_EXPORT int CheckPointInEllipticalSector(const EllipticalSector3d<doub
  *  angle, and the first corner once more. There are always five vertices.
  *  @throws Zo::Exception #STATUS_BAD_PARAMETER when @p polygon is null */
 ZDK_VISION_EXPORT void ExtractPolygonFromRect(const Region2d<double>& region, std::vector<Point2d<double>>* polygon);
+
+/** The box around the selected cells of all @p slices, in the mapping of the first one. `x`, `y` and `z` are the
+ *  *centre* of the box, unlike in other regions. A slice's heights are q16s and its mask q8u; a selected missing height
+ *  counts as the count -32768, so that masks must not select any.
+ *
+ *  With @p rotated 0 the box lies along the axes, from cell edge to cell edge, and `angle` is 90. Otherwise it is the
+ *  rectangle of smallest area among 900 turns, a tenth of a degree apart: every tenth of them is tried first, then
+ *  those around the best. `width` is its shorter side, `height` the longer one and `angle` the direction of the longer
+ *  one, above -90 up to 90 degrees. The turned box is put around convex chains of the rows' ends (monotone chains: A.
+ *  M. Andrew, "Another efficient algorithm for convex hulls in two dimensions", 1979), which need rows in rising order:
+ *  when a slice begins above rows of slices before it, a turned box may miss cells of theirs.
+ *
+ *  Later slices are moved by the whole cells between their offset and the first one's, and are taken to have its
+ *  scale. Displacements and cells beyond `int` are taken as the nearest `int`. A later slice that does not fit is left
+ *  out: without heights, without a mask of its rectangle's size, or with a rectangle beyond its surface.
+ *
+ *  A default region is the answer to no slices, a first slice that does not fit or has a null in its mapping, no
+ *  selected cell, and 256 slices: the count is taken modulo 256, and just as many slices are read. A turned box whose
+ *  search has no room in 64 bits (a scale of 0 in X, one that is not a number, or scales in X and Y too unequal) has
+ *  nulls in `x`, `y`, `width`, `height` and `angle`.
+ *
+ *  One pass over the masks and the selected heights on the calling thread.
+ *  @param allocator for the chains and tables, which are gone afterwards
+ *  @throws Zo::Exception the platform's status when there is no memory */
+ZDK_VISION_EXPORT Region3d<double> GetBoundingBox(const std::vector<SurfaceSlice>& slices, int rotated,
+                                                  void* allocator);
 
 } // namespace Zvl
