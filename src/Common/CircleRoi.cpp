@@ -1,21 +1,10 @@
 #include <ZdkVisionLib/Alignment/Anchor.h>
 #include <ZdkVisionLib/Common/MaskUniformSurface.h>
 
+#include "Common/CircleEllipse.h"
+
 namespace Zvl
 {
-
-namespace
-{
-
-/** The ellipse that a ring amounts to, for its box. */
-EllipticalSector2d<double> EllipseOf(const AnnularSector2d<double>& annulus)
-{
-    const double inner = annulus.innerRadius * 2.0;
-    const double outer = annulus.outerRadius * 2.0;
-    return {inner, inner, outer, outer, annulus.startAngle, annulus.angleSpan, 0.0, annulus.center};
-}
-
-} // namespace
 
 CircleROI::CircleROI(void* allocator) : EllipseROI(allocator), annulus{0.0, 0.0, 0.0, 0.0, {0.0, 0.0}} {}
 

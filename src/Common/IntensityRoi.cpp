@@ -2,6 +2,8 @@
 
 #include "Common/Cells.h"
 #include "Common/Check.h"
+#include "Common/LayerWindow.h"
+#include "Common/MaskKernels.h"
 
 namespace Zvl
 {
@@ -19,25 +21,21 @@ struct IntensityScanReceiver
     std::uint8_t maximum;
 };
 
-/** Marks the worker's cells that have a height and an intensity in the range. */
+/** Marks the worker's cells that have a height and an intensity in the range. Cells beside either layer stay 0. */
 qStatus FillIntensityRows(void* context, void* /*sender*/, const qParallelArgs* args)
 {
     const auto& receiver = *static_cast<const IntensityScanReceiver*>(context);
     const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
     const Cells<const std::int16_t> heights = CellsOf<const std::int16_t>(receiver.heights);
     const Cells<const std::uint8_t> intensities = CellsOf<const std::uint8_t>(receiver.intensities);
-    const std::size_t end = qParallelArgs_End(args, 0, mask.rows);
-    for (std::size_t row = qParallelArgs_Begin(args, 0, mask.rows); row < end; ++row)
+    const LayerWindow window(receiver.cellOffset, mask.rows, mask.columns, std::min(heights.rows, intensities.rows),
+                             std::min(heights.columns, intensities.columns));
+    const std::size_t end = window.EndRow(qParallelArgs_End(args, 0, mask.rows));
+    for (std::size_t row = window.BeginRow(qParallelArgs_Begin(args, 0, mask.rows)); row < end; ++row)
     {
-        const std::size_t referenceRow = static_cast<std::size_t>(receiver.cellOffset.y) + row;
-        const std::int16_t* height = heights.Row(referenceRow) + receiver.cellOffset.x;
-        const std::uint8_t* intensity = intensities.Row(referenceRow) + receiver.cellOffset.x;
-        std::uint8_t* out = mask.Row(row);
-        for (std::size_t column = 0; column < mask.columns; ++column)
-        {
-            const bool inRange = intensity[column] >= receiver.minimum && intensity[column] <= receiver.maximum;
-            out[column] = height[column] != GetNull<short>() && inRange ? 1 : 0;
-        }
+        const std::size_t layerRow = window.LayerRow(row);
+        MarkIntensities(heights.Row(layerRow) + window.LayerColumn(), intensities.Row(layerRow) + window.LayerColumn(),
+                        receiver.minimum, receiver.maximum, mask.Row(row) + window.columns.first, window.ColumnCount());
     }
     return STATUS_OK;
 }
@@ -68,10 +66,6 @@ void IntensityROI::_AssignMaskSliced()
     {
         return;
     }
-    const Rect2d<int> read = {surfaceCellOffset.x, surfaceCellOffset.y, boundingBox.width, boundingBox.height};
-    ZVL_REQUIRE("Zvl::IntensityROI::_AssignMaskSliced",
-                CellsOf<const std::int16_t>(LayerOf(surface, 0)).Contains(read) &&
-                    CellsOf<const std::uint8_t>(LayerOf(surface, 1)).Contains(read));
     IntensityScanReceiver receiver = {surface.layers[0], surface.layers[1], surfaceCellOffset, intensityRange.minimum,
                                       intensityRange.maximum};
     ZVL_CHECK("Zvl::IntensityROI::_AssignMaskSliced", qParallel_Execute(FillIntensityRows, &receiver, mask));

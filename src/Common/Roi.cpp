@@ -1,9 +1,28 @@
 #include <ZdkVisionLib/Common/MaskUniformSurface.h>
 
 #include "Common/Check.h"
+#include "Common/NewMask.h"
+
+#include <algorithm>
 
 namespace Zvl
 {
+
+namespace
+{
+
+/** True when @p region is a composition with a member whose flag, as @p validity reads it, is down. The walk computes
+ *  nothing and ends at the first such member. */
+bool HasStaleMember(const ROI& region, int (ROI::*validity)() const)
+{
+    const auto* composed =
+        region.GetShapeType() == MaskTypeComposed ? dynamic_cast<const ComposedROI*>(&region) : nullptr;
+    return composed != nullptr &&
+           std::any_of(composed->Begin(), composed->End(),
+                       [&](const std::shared_ptr<ROI>& member) { return (*member.*validity)() == 0; });
+}
+
+} // namespace
 
 ROI::ROI(void* allocator) : allocator(allocator), boundingRegion{0.0, 0.0, 0.0, 0.0, 0.0} {}
 
@@ -21,10 +40,15 @@ const Region2d<double>& ROI::GetBoundingRegion()
 
 const Zo::Object<void*>& ROI::GetMask()
 {
+    if (maskValid != 0 && HasStaleMember(*this, &ROI::GetMaskValidity))
+    {
+        maskValid = 0;
+    }
     if (maskValid != 0)
     {
         return mask;
     }
+    // A box that is valid by its own flag stays, even over changed members: only GetBoundingBox() looks at theirs.
     if (boundingBoxValid == 0)
     {
         _CalculateBoundingBox();
@@ -58,18 +82,12 @@ void ROI::SetMaskPixel(std::uint64_t row, std::uint64_t column, std::uint8_t val
 
 void ROI::_ConstructMask()
 {
-    if (void* old = mask.Detach(); old != nullptr)
-    {
-        ZVL_CHECK("Zvl::ROI::_ConstructMask", xqObject_DestroyImpl(old, 0));
-    }
+    DropHeld("Zvl::ROI::_ConstructMask", mask);
     if (boundingBox.width <= 0 || boundingBox.height <= 0)
     {
         return;
     }
-    ZVL_CHECK("Zvl::ROI::_ConstructMask",
-              qArray2_Construct(mask.Slot(), xxq8u_type, static_cast<std::size_t>(boundingBox.height),
-                                static_cast<std::size_t>(boundingBox.width), allocator));
-    ZVL_CHECK("Zvl::ROI::_ConstructMask", qArray2_Zero(mask));
+    mask = NewMask("Zvl::ROI::_ConstructMask", boundingBox, allocator);
 }
 
 void ROI::_InitializeBoundingBox()
@@ -80,6 +98,10 @@ void ROI::_InitializeBoundingBox()
 
 void ROI::_CalculateBoundingBoxInternal()
 {
+    if (boundingBoxValid != 0 && HasStaleMember(*this, &ROI::GetBoundingBoxValidity))
+    {
+        boundingBoxValid = 0;
+    }
     if (boundingBoxValid == 0)
     {
         _CalculateBoundingBox();

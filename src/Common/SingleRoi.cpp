@@ -2,6 +2,7 @@
 #include <ZdkVisionLib/Utils/Utils.h>
 
 #include "Common/Check.h"
+#include "Common/Mapping.h"
 
 namespace Zvl
 {
@@ -56,14 +57,13 @@ void SingleROI::SetAllocator(void* const& value)
 
 void SingleROI::RequireMapping(const char* function) const
 {
-    constexpr double null = GetNull<double>();
-    ZVL_REQUIRE(function, offset.x != null && offset.y != null && scale.x != null && scale.y != null);
+    ZVL_REQUIRE(function, IsMappingSet(scale, offset));
 }
 
 void SingleROI::SetBounds(const Region2d<double>& region)
 {
     boundingRegion = region;
-    qPoint64f tolerance = {0.0005, 0.0005};
+    qPoint64f tolerance = {kBoxTolerance, kBoxTolerance};
     GetRegionPixel(frameWidth, frameHeight, offset, scale, &boundingRegion, &boundingBox, &tolerance, 1);
 }
 

@@ -2,6 +2,8 @@
 
 #include "Common/Cells.h"
 #include "Common/Check.h"
+#include "Common/LayerWindow.h"
+#include "Common/MaskKernels.h"
 #include "Common/PolygonTests.h"
 #include "Common/Rounding.h"
 
@@ -20,30 +22,28 @@ struct SurfaceScanReceiver
     qPoint32s cellOffset;
 };
 
-/** Marks the worker's cells that have a height. */
+/** Marks the worker's cells that have a height. Cells beside the reference stay 0. */
 qStatus FillSurfaceRows(void* context, void* /*sender*/, const qParallelArgs* args)
 {
     const auto& receiver = *static_cast<const SurfaceScanReceiver*>(context);
     const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
     const Cells<const std::int16_t> heights = CellsOf<const std::int16_t>(receiver.heights);
-    const std::size_t end = qParallelArgs_End(args, 0, mask.rows);
-    for (std::size_t row = qParallelArgs_Begin(args, 0, mask.rows); row < end; ++row)
+    const LayerWindow window(receiver.cellOffset, mask.rows, mask.columns, heights.rows, heights.columns);
+    const std::size_t end = window.EndRow(qParallelArgs_End(args, 0, mask.rows));
+    for (std::size_t row = window.BeginRow(qParallelArgs_Begin(args, 0, mask.rows)); row < end; ++row)
     {
-        const std::int16_t* in =
-            heights.Row(static_cast<std::size_t>(receiver.cellOffset.y) + row) + receiver.cellOffset.x;
-        std::uint8_t* out = mask.Row(row);
-        for (std::size_t column = 0; column < mask.columns; ++column)
-        {
-            out[column] = in[column] != GetNull<short>() ? 1 : 0;
-        }
+        MarkHeights(heights.Row(window.LayerRow(row)) + window.LayerColumn(), mask.Row(row) + window.columns.first,
+                    window.ColumnCount());
     }
     return STATUS_OK;
 }
 
-/** Cells from a position of the frame to the reference's origin, to the nearest one. */
-int NearestCell(double distance, double scale)
+/** Cells in @p distance, to the nearest one; false when there are more than an `int` can tell. */
+bool NearestCell(double distance, double scale, int& cell)
 {
-    return TruncateToInt(RoundHalfAway(distance / scale));
+    const double nearest = RoundHalfAway(distance / scale);
+    cell = TruncateToInt(nearest);
+    return nearest == cell;
 }
 
 /** The lesser of the cells that frame and reference have left. Compared without sign, so that a difference below zero
@@ -56,19 +56,24 @@ int CellsLeft(std::uint64_t frame, int position, std::size_t reference, int refe
     return static_cast<int>(static_cast<std::uint32_t>(std::min(ofFrame, ofReference)));
 }
 
-/** Size of the reference's cells that a region of type @p type reads; no cells unless all layers that it needs are there
- *  and agree. */
+/** Rows and columns of layer @p index of @p surface, when it holds cells of type `T`; otherwise none. */
+template <typename T>
+Rect2d<int> SizeOfLayer(const Surface& surface, std::size_t index)
+{
+    const Cells<const T> cells = CellsOf<const T>(LayerOf(surface, index));
+    return {0, 0, ClampToInt(cells.columns), ClampToInt(cells.rows)};
+}
+
+/** The size that a region of type @p type takes its box from: that of the heights, or that of the intensities when there
+ *  are heights as well. */
 Rect2d<int> ReferenceSize(const Surface& surface, MaskType type)
 {
-    const Cells<const std::int16_t> heights = CellsOf<const std::int16_t>(LayerOf(surface, 0));
-    bool usable = heights.present;
-    if (type == MaskTypeIntensity)
+    const Rect2d<int> heights = SizeOfLayer<std::int16_t>(surface, 0);
+    if (type != MaskTypeIntensity || heights.width == 0 || heights.height == 0)
     {
-        const Cells<const std::uint8_t> intensities = CellsOf<const std::uint8_t>(LayerOf(surface, 1));
-        usable =
-            usable && intensities.present && intensities.rows == heights.rows && intensities.columns == heights.columns;
+        return heights;
     }
-    return usable ? Rect2d<int>{0, 0, ClampToInt(heights.columns), ClampToInt(heights.rows)} : Rect2d<int>{};
+    return SizeOfLayer<std::uint8_t>(surface, 1);
 }
 
 } // namespace
@@ -121,25 +126,24 @@ void SurfaceROI::_CalculateBoundingBox()
     {
         return;
     }
-    const double x = NearestCell(surface.offset.x - offset.x, scale.x) * scale.x + offset.x;
-    const double y = NearestCell(surface.offset.y - offset.y, scale.y) * scale.y + offset.y;
-    SetBounds({x, y, reference.width * surface.scale.x, reference.height * surface.scale.y, 0.0});
-
-    surfaceCellOffset.x = NearestCell(boundingBox.x * scale.x + offset.x - surface.offset.x, surface.scale.x);
-    surfaceCellOffset.y = NearestCell(boundingBox.y * scale.y + offset.y - surface.offset.y, surface.scale.y);
+    qPoint32s origin;
+    if (!NearestCell(surface.offset.x - offset.x, scale.x, origin.x) ||
+        !NearestCell(surface.offset.y - offset.y, scale.y, origin.y))
+    {
+        return;
+    }
+    SetBounds({origin.x * scale.x + offset.x, origin.y * scale.y + offset.y, reference.width * surface.scale.x,
+               reference.height * surface.scale.y, 0.0});
+    if (!NearestCell(boundingBox.x * scale.x + offset.x - surface.offset.x, surface.scale.x, surfaceCellOffset.x) ||
+        !NearestCell(boundingBox.y * scale.y + offset.y - surface.offset.y, surface.scale.y, surfaceCellOffset.y))
+    {
+        boundingBox = {};
+        return;
+    }
     boundingBox.width =
         CellsLeft(frameWidth, boundingBox.x, static_cast<std::size_t>(reference.width), surfaceCellOffset.x);
     boundingBox.height =
         CellsLeft(frameHeight, boundingBox.y, static_cast<std::size_t>(reference.height), surfaceCellOffset.y);
-    // Beside the reference there is nothing to read.
-    const Rect2d<std::int64_t> read = {surfaceCellOffset.x, surfaceCellOffset.y, boundingBox.width, boundingBox.height};
-    const bool inReference = read.x >= 0 && read.y >= 0 && read.x + read.width <= reference.width &&
-                             read.y + read.height <= reference.height;
-    if (!inReference || read.width <= 0 || read.height <= 0)
-    {
-        boundingBox.width = 0;
-        boundingBox.height = 0;
-    }
 }
 
 void SurfaceROI::_AssignMaskSliced()
@@ -148,8 +152,6 @@ void SurfaceROI::_AssignMaskSliced()
     {
         return;
     }
-    const Rect2d<int> read = {surfaceCellOffset.x, surfaceCellOffset.y, boundingBox.width, boundingBox.height};
-    ZVL_REQUIRE("Zvl::SurfaceROI::_AssignMaskSliced", CellsOf<const std::int16_t>(LayerOf(surface, 0)).Contains(read));
     SurfaceScanReceiver receiver = {surface.layers[0], surfaceCellOffset};
     ZVL_CHECK("Zvl::SurfaceROI::_AssignMaskSliced", qParallel_Execute(FillSurfaceRows, &receiver, mask));
 }

@@ -39,11 +39,7 @@ inline std::string Picture(Zvl::ROI& roi)
 
 inline void ExpectBox(Zvl::ROI& roi, int x, int y, int width, int height)
 {
-    const Zvl::Rect2d<int> box = roi.GetBoundingBox();
-    EXPECT_EQ(box.x, x);
-    EXPECT_EQ(box.y, y);
-    EXPECT_EQ(box.width, width);
-    EXPECT_EQ(box.height, height);
+    ExpectRect(roi.GetBoundingBox(), x, y, width, height);
 }
 
 /** World y of each row of a box, as the workers find it: each worker starts from the index of its first row and then

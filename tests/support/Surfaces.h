@@ -72,6 +72,14 @@ std::vector<T> CellsIn(void* array)
     return cells;
 }
 
+inline void ExpectRect(const Zvl::Rect2d<int>& rect, int x, int y, int width, int height)
+{
+    EXPECT_EQ(rect.x, x);
+    EXPECT_EQ(rect.y, y);
+    EXPECT_EQ(rect.width, width);
+    EXPECT_EQ(rect.height, height);
+}
+
 /** A surface with the given heights. */
 inline Zvl::Surface MakeSurface(std::size_t rows, std::size_t columns, const std::vector<std::int16_t>& heights,
                                 qPoint3d64f scale = {1.0, 1.0, 1.0}, qPoint3d64f offset = {0.0, 0.0, 0.0})

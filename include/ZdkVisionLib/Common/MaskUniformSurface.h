@@ -260,11 +260,13 @@ private:
 
 /** The cells where a reference surface has a height. The reference may have another extent and origin than the frame: its
  *  origin is snapped to the frame's grid, half cells away from zero, and both the frame and the reference bound the box.
+ *  Cells of the box that have no cell of the reference under them are outside. There are such cells when the reference
+ *  lies wholly left of the frame or above it: the reference then bounds that axis no longer, and the box is as wide or as
+ *  high as the frame.
  *
  *  The region is empty when the reference's cells differ in size from the frame's by 2 to the power -23 or more, when a
- *  layer that it needs is missing, of another type or of another size than the other one, or when the reference lies left
- *  of the frame or above it. Its arrays are shared, not copied; a host that shrinks one of them after the box was computed
- *  gets #STATUS_BAD_PARAMETER from GetMask(). */
+ *  layer that it needs is missing, empty or of another type, or when the origins are more cells apart than an `int` can
+ *  tell. The reference's arrays are shared, not copied. */
 class ZDK_VISION_EXPORT SurfaceROI : public SingleROI
 {
 public:
@@ -291,7 +293,8 @@ protected:
     qPoint32s surfaceCellOffset; ///< where cell (0, 0) of the box lies in the reference: column, row
 };
 
-/** The cells where a reference surface has a height and an intensity from a minimum to a maximum, both included. */
+/** The cells where a reference surface has a height and an intensity from a minimum to a maximum, both included. The
+ *  intensity layer gives the extent; where a smaller height layer has no cell, there is no height. */
 class ZDK_VISION_EXPORT IntensityROI : public SurfaceROI
 {
 public:
@@ -315,10 +318,147 @@ protected:
     IntensityRange intensityRange;
 };
 
+/** The union of other regions: its box is the union of their boxes, and its mask the union of their masks, each laid into
+ *  place. Members are shared with whoever else holds them; copies of a composition share its members. Compositions do not
+ *  nest, and none can come to hold itself: Add() of a composition adds its members.
+ *
+ *  A composition notices that a member changed by the member's flags, each time that it is asked. Two consequences:
+ *  - A change is missed when the member was evaluated by itself in the meantime: its flags are up again. The composition
+ *    then keeps its union until it is rebuilt for another reason.
+ *  - A box that is valid by its own flag stays, while GetMask() rebuilds the mask. A caller that wants both to agree after
+ *    a change asks for the box first. Cells of members beside a stale box are cut off.
+ *
+ *  Members of different frames or scales are not refused: the union is one of cells, and what it means is the caller's
+ *  affair. Two compositions with a common member must not be evaluated at the same time. */
+class ZDK_VISION_EXPORT ComposedROI : public ROI
+{
+public:
+    explicit ComposedROI(void* allocator = nullptr);
+    ComposedROI(const ComposedROI&) = default;
+    ComposedROI(ComposedROI&&) = default;
+    ComposedROI& operator=(const ComposedROI&) = default;
+    ComposedROI& operator=(ComposedROI&&) = default;
+
+    /** Adds @p roi, or the members that it has now when it is a composition; null is ignored. Drops the caches. */
+    void Add(const std::shared_ptr<ROI>& roi);
+
+    std::vector<std::shared_ptr<ROI>>::const_iterator Begin() const;
+    std::vector<std::shared_ptr<ROI>>::const_iterator End() const;
+    std::uint64_t GetRoiCount() const;
+
+    /** The box of member @p index; throws #STATUS_BAD_PARAMETER when there is no such member, and as its
+     *  ROI::GetBoundingBox(). */
+    const Rect2d<int>& GetSubBoundingBox(std::uint64_t index) const;
+
+    /** The mask of member @p index; throws #STATUS_BAD_PARAMETER when there is no such member, and as its
+     *  ROI::GetMask(). */
+    const Zo::Object<void*>& GetSubMask(std::uint64_t index) const;
+
+    /** A composition of the moved members, which are new. This one and its members are unchanged. */
+    std::shared_ptr<ROI> ApplyAnchor(const Anchor& anchor) override;
+
+    MaskType GetShapeType() const override;
+
+    /** A new composition of the same members: they are shared, not copied. */
+    std::shared_ptr<ROI> DeepCopy() const override;
+
+    /** Computes box and bounding region anew, whatever the flags say, and leaves the flags as they are. Members with an
+     *  empty box extend the bounding region all the same. Throws as the members' ROI::GetBoundingBox(). */
+    void _CalculateBoundingBox() override;
+
+    /** Makes the mask anew for the present box, whatever the flags say, and leaves the flags as they are. Throws as the
+     *  members' ROI::GetMask(), and the platform's status when the mask cannot be made. */
+    void _AssignMaskSliced() override;
+
+private:
+    void _UpdateBBoxSize(const Rect2d<int>& box, const Region2d<double>& region);
+
+    std::vector<std::shared_ptr<ROI>> rois;
+};
+
 /** Clears the cells of @p roi's mask whose heights are missing or outside [@p min, @p max]; the limits are those of the
  *  form that takes a rectangle and a mask. A surface without a height layer leaves @p roi untouched. The frame of
  *  @p roi must be that of the surface, which is the caller's duty; a box that does not fit leaves the mask as it was.
  *  Throws as ROI::GetMask(). */
 ZDK_VISION_EXPORT void ThresholdHeight(const Surface& surface, double min, double max, ROI& roi);
+
+/** How MaskOperation() combines two bytes. */
+enum MaskOperationType : std::int32_t
+{
+    MaskOperationAnd = 0,
+    MaskOperationOr = 1
+};
+
+/** Combines @p a and @p b, two arrays of one type and size, byte by byte and bitwise, into @p out. Cells other than 0 and 1
+ *  are not normalised. An array in @p out of the same type is kept and resized; any other object there is replaced.
+ *  @p out may hold @p a or @p b, whose cells are then overwritten.
+ *
+ *  Nothing happens when @p out is null or the arrays are empty. With an unknown @p op, @p out gets the right shape and
+ *  undefined cells.
+ *
+ *  @param allocator allocator of a new array; null is the platform's default
+ *  @throws Zo::Exception
+ *   - #STATUS_BAD_PARAMETER, with @p out untouched, when @p a or @p b is null or no #qArray2, when they differ in type or
+ *     size, or when their items are platform objects
+ *   - the platform's status when there is no memory
+ *
+ *  One pass on the calling thread. */
+ZDK_VISION_EXPORT void MaskOperation(Zo::Object<void*> a, Zo::Object<void*> b, MaskOperationType op, qArray2* out,
+                                     void* allocator);
+
+/** Turns runs of cells into a mask and its box. The box reaches one column beyond the last cell of the runs, and that
+ *  column of the mask is 0. Runs may come in any order and overlap; one of length 0 counts for the box alone.
+ *
+ *  Nothing happens without runs, or when @p mask and @p rect are both null.
+ *
+ *  @param runs a #qArrayList of 12-byte records, three 32-bit integers each: row, first column, cells. #xxqPoint3d32s_type
+ *         is such a type.
+ *  @param mask slot for a #qArray2 of q8u; what it held is replaced. May be null.
+ *  @param rect receives the box. May be null.
+ *  @param allocator allocator of the mask; null is the platform's default
+ *  @throws Zo::Exception
+ *   - #STATUS_BAD_PARAMETER, with nothing written, when @p runs is no list of such records, a length is negative, or the
+ *     box does not fit 32 bits
+ *   - the platform's status when there is no memory for the mask; @p rect is then written and @p mask null
+ *
+ *  Two passes over the runs and one over the mask, on the calling thread. */
+ZDK_VISION_EXPORT void RLEToMask(qArrayList runs, qArray2* mask, Rect2d<int>* rect, void* allocator);
+
+/** Unites masks, each with a box of its own, into one mask over the union of the boxes, with cells 0 and 1. Empty boxes
+ *  add nothing. Nothing happens when there are no masks.
+ *
+ *  @param masks arrays of q8u, each as large as its box; a null one counts as 0 by 0
+ *  @param rects one box for each mask
+ *  @param merged slot for the union; what it held is replaced. It may be one of the handles in @p masks. May be null.
+ *  @param mergedRect receives the union of the boxes. May be null.
+ *  @param allocator allocator of the union; null is the platform's default
+ *  @throws Zo::Exception
+ *   - #STATUS_BAD_PARAMETER, with nothing written, when there are more masks than boxes or fewer, a mask is no q8u array
+ *     of its box's size, or the union does not fit 32 bits
+ *   - the platform's status when there is no memory; @p mergedRect is then written and @p merged null
+ *
+ *  One pass over each mask, in parallel over its rows. */
+ZDK_VISION_EXPORT void MergeMasks(const std::vector<Zo::Object<void*>>& masks, const std::vector<Rect2d<int>>& rects,
+                                  qArray2* merged, Rect2d<int>* mergedRect, void* allocator);
+
+/** Cuts @p in down to the box of @p roi: heights outside the mask become missing (-32768), intensities outside it 0. The
+ *  frame of @p roi must be that of @p in. Layers of @p out of the right type and size are reused, unless @p in or @p roi
+ *  has them too, so that a caller who loops over scans allocates nothing after the first. Without intensities in @p in, a
+ *  second layer of @p out stays as it was. Cells of the box that the mask does not reach are outside. @p out may be
+ *  @p in.
+ *
+ *  Nothing happens when @p roi is null, or @p in has no layers, or a null one alone. An empty box leaves the mapping of
+ *  @p in in @p out, whose layers stay.
+ *
+ *  @param allocator allocator of new layers; null is the platform's default
+ *  @throws Zo::Exception
+ *   - #STATUS_BAD_PARAMETER, with @p out untouched, when @p out is null, layer 0 of @p in is no q16s array, or layer 1 is
+ *     there and no q8u array of the same size
+ *   - #STATUS_BAD_PARAMETER, with the mapping of @p in in @p out, when the box does not lie inside @p in
+ *   - what ROI::GetBoundingBox() and ROI::GetMask() throw, with the mapping of @p in in @p out
+ *   - the platform's status when there is no memory; @p out then has the mapping of the box, and the layers that it got
+ *
+ *  One pass over the box on the calling thread. */
+ZDK_VISION_EXPORT void ApplyMask(const Surface& in, std::shared_ptr<ROI> roi, Surface* out, void* allocator);
 
 } // namespace Zvl
