@@ -11,6 +11,10 @@ install(TARGETS ZdkVisionPlatform ZdkVisionLib EXPORT ZdkVisionLibTargets
 install(DIRECTORY include/ZdkVisionLib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
 
 install(EXPORT ZdkVisionLibTargets NAMESPACE ZdkVisionLib:: DESTINATION ${package_dir})
+# A set of its own: only a host that asks for this component needs OpenCV's headers.
+install(TARGETS ZdkVisionOpenCV EXPORT ZdkVisionLibOpenCVTargets)
+install(EXPORT ZdkVisionLibOpenCVTargets NAMESPACE ZdkVisionLib:: DESTINATION ${package_dir})
+install(FILES cmake/FindOpenCV.cmake DESTINATION ${package_dir})
 configure_package_config_file(cmake/ZdkVisionLibConfig.cmake.in ${PROJECT_BINARY_DIR}/ZdkVisionLibConfig.cmake
     INSTALL_DESTINATION ${package_dir})
 # Before version 1.0 a minor version may break what was there, as its soname says.
@@ -33,7 +37,11 @@ foreach(directory libdir includedir)
         set(pkgconfig_${directory} "\${prefix}/${CMAKE_INSTALL_${variable}}")
     endif()
 endforeach()
-foreach(module zdkvisionlib zdkvisionplatform)
-    configure_file(cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/${module}.pc @ONLY)
+get_target_property(opencv_include_dirs opencv_core INTERFACE_INCLUDE_DIRECTORIES)
+list(TRANSFORM opencv_include_dirs PREPEND -I OUTPUT_VARIABLE pkgconfig_opencv_cflags)
+list(JOIN pkgconfig_opencv_cflags " " pkgconfig_opencv_cflags)
+foreach(module zdkvisionlib zdkvisionplatform zdkvisionlib-opencv)
+    configure_file(cmake/${module}.pc.in ${PROJECT_BINARY_DIR}/${module}.pc.configured @ONLY)
+    file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/${module}.pc INPUT ${PROJECT_BINARY_DIR}/${module}.pc.configured)
     install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
