@@ -1,11 +1,13 @@
 #pragma once
 
 /** @file
- *  The whole library in one include. */
+ *  The whole library in one include, but for Common/Mat.h: that header needs OpenCV's, and this one needs no header of
+ *  another library. */
 
 #include <ZdkVisionLib/Alignment/Anchor.h>
 #include <ZdkVisionLib/Alignment/RefFrame.h>
 #include <ZdkVisionLib/Common/Common.h>
+#include <ZdkVisionLib/Common/MaskProfile.h>
 #include <ZdkVisionLib/Common/MaskUniformSurface.h>
 #include <ZdkVisionLib/Filter/Filter.h>
 #include <ZdkVisionLib/Fitting/Fit.h>

@@ -1,10 +1,9 @@
 #include <ZdkVisionLib/Common/MaskUniformSurface.h>
 
 #include "Common/Check.h"
+#include "Common/ItemTypes.h"
 #include "Common/MaskKernels.h"
 #include "Common/NewMask.h"
-
-#include <algorithm>
 
 namespace Zvl
 {
@@ -13,16 +12,6 @@ namespace
 {
 
 constexpr char kFunction[] = "Zvl::MaskOperation";
-
-/** True when the bytes of an item are all that there is to it. Items that are objects own counts, which bitwise
- *  operations would destroy. */
-bool IsPlain(qType type)
-{
-    const qType plain[] = {xxq8u_type,       xxq16u_type,        xxq16s_type,       xxq32s_type,
-                           xxq64s_type,      xxq64f_type,        xxqBool_type,      xxqPoint32s_type,
-                           xxqPoint64f_type, xxqPoint3d32s_type, xxqPoint3d64f_type};
-    return std::find(std::begin(plain), std::end(plain), type) != std::end(plain);
-}
 
 bool IsArray(void* handle)
 {
@@ -64,7 +53,7 @@ void MaskOperation(Zo::Object<void*> a, Zo::Object<void*> b, MaskOperationType o
     {
         return;
     }
-    ZVL_REQUIRE(kFunction, IsArray(a) && IsArray(b) && HaveOneShape(a, b) && IsPlain(qArray2_Type(a)));
+    ZVL_REQUIRE(kFunction, IsArray(a) && IsArray(b) && HaveOneShape(a, b) && !IsObjectType(qArray2_Type(a)));
     if (qArray2_Length(a, 0) == 0 || qArray2_Length(a, 1) == 0)
     {
         return;
