@@ -87,6 +87,8 @@ void CopyWindow(const Cells<const T>& in, const Rect2d<int>& box, const Cells<co
 
 } // namespace
 
+// The region is held while it is applied: its owner may let go of it in an allocator's callback.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void ApplyMask(const Surface& in, std::shared_ptr<ROI> roi, Surface* out, void* allocator)
 {
     if (roi == nullptr || in.layers.empty() || (in.layers.size() == 1 && in.layers[0].Get() == nullptr))

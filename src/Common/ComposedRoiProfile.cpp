@@ -2,8 +2,8 @@
 
 #include "Common/Check.h"
 #include "Common/LineCells.h"
-#include "Common/Members.h"
 #include "Common/MaskKernels.h"
+#include "Common/Members.h"
 #include "Common/Overlap.h"
 #include "Common/Unite.h"
 

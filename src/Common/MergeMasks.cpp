@@ -60,7 +60,7 @@ void MergeMasks(const std::vector<Zo::Object<void*>>& masks, const std::vector<R
         return;
     }
     // The slot may be that of one of the masks: they are held until the union is made.
-    const std::vector<Zo::Object<void*>> sources = masks;
+    const std::vector<Zo::Object<void*>> sources = masks; // NOLINT(performance-unnecessary-copy-initialization)
     DropHeld(kFunction, *merged);
     Zo::Object<void*> made = NewMask(kFunction, tmpMergedBBox, allocator);
     for (std::size_t i = 0; i < sources.size(); ++i)

@@ -107,11 +107,13 @@ TEST(RunLengthMask, RunsThatCannotBeAreRefusedAndNothingIsWritten)
 
 TEST(RunLengthMask, TheLargestBoxIsToldButHasNoMask)
 {
-    // 2^31 - 1 columns and rows: within 32 bits, and beyond any memory.
+    // 2^31 - 1 columns and rows: within 32 bits, and beyond any memory. The allocator says so without being asked in earnest.
+    TestSupport::FailingAllocator allocator;
+    allocator.FailAt(1);
     const Zo::Object<void*> runs = Runs({{0, 0, kHighest - 1}, {kHighest - 1, 0, 1}});
     Rect2d<int> rect;
     qArray2 mask = TestSupport::MakeFilled<std::uint8_t>(1, 1, 9).Detach();
-    ExpectThrow(STATUS_OUT_OF_MEMORY, kFunction, [&] { RLEToMask(runs, &mask, &rect, nullptr); });
+    ExpectThrow(STATUS_OUT_OF_MEMORY, kFunction, [&] { RLEToMask(runs, &mask, &rect, allocator.Get()); });
     ExpectRect(rect, 0, 0, kHighest, kHighest);
     EXPECT_EQ(mask, nullptr);
 }
