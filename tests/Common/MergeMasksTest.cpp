@@ -99,11 +99,12 @@ TEST(MergeMasks, UnfitInputIsRefusedAndNothingIsWritten)
         {{MakeFilled<std::int16_t>(2, 3, 1)}, {{0, 0, 3, 2}}},
         {{mask, mask}, {{-2147483647, 0, 3, 2}, {2147483640, 0, 3, 2}}},
     };
-    for (const auto& [masks, rects] : unfit)
+    for (const auto& input : unfit)
     {
         qArray2 merged = kept.Get();
         Rect2d<int> rect = {1, 2, 3, 4};
-        ExpectThrow(STATUS_BAD_PARAMETER, kFunction, [&] { MergeMasks(masks, rects, &merged, &rect, nullptr); });
+        ExpectThrow(STATUS_BAD_PARAMETER, kFunction,
+                    [&] { MergeMasks(input.first, input.second, &merged, &rect, nullptr); });
         EXPECT_EQ(merged, kept.Get());
         EXPECT_EQ(rect.y, 2);
     }
