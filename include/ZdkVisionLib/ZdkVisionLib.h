@@ -6,13 +6,10 @@
 
 #include <ZdkVisionLib/Alignment/Anchor.h>
 #include <ZdkVisionLib/Alignment/RefFrame.h>
-#include <ZdkVisionLib/Arithmetic/Arithmetic.h>
 #include <ZdkVisionLib/Common/Common.h>
 #include <ZdkVisionLib/Common/MaskProfile.h>
 #include <ZdkVisionLib/Common/MaskUniformSurface.h>
 #include <ZdkVisionLib/Filter/Filter.h>
-#include <ZdkVisionLib/Filter/ProfileFilter.h>
-#include <ZdkVisionLib/Filter/SurfaceFilter.h>
 #include <ZdkVisionLib/Fitting/Fit.h>
 #include <ZdkVisionLib/Geometry/Geometry.h>
 #include <ZdkVisionLib/Utils/Utils.h>
