@@ -6,6 +6,7 @@
 
 #include <ZdkVisionLib/Alignment/Anchor.h>
 #include <ZdkVisionLib/Alignment/RefFrame.h>
+#include <ZdkVisionLib/Arithmetic/Arithmetic.h>
 #include <ZdkVisionLib/Common/Common.h>
 #include <ZdkVisionLib/Common/MaskProfile.h>
 #include <ZdkVisionLib/Common/MaskUniformSurface.h>
