@@ -1,0 +1,262 @@
+/** @file
+ *  The line filters beside loops over single cells: on random lines, in every chain of two, and in buffers that overlap
+ *  at every distance. */
+
+#include "Filter/ProfileFilterPlain.h"
+
+#include <initializer_list>
+#include <limits>
+
+namespace
+{
+
+using TestSupport::Heights;
+using TestSupport::Missing;
+using TestSupport::PlainFilter;
+using TestSupport::RandomLine;
+using Zvl::ProfileFilter;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr std::size_t kOperations = 6;
+
+/** One operation with its arguments, for either kind of filter. */
+struct Operation
+{
+    std::size_t kind = 0;
+    std::size_t window = 1;
+    int flag = 0;
+    int slope = 0;
+    double first = 0.0;
+    double second = 0.0;
+
+    template <typename Filter>
+    void ApplyTo(Filter& filter) const
+    {
+        switch (kind)
+        {
+        case 0:
+            filter.FillGap(window, slope, flag);
+            break;
+        case 1:
+            filter.Average(window | 1U, flag);
+            break;
+        case 2:
+            filter.Median(window | 1U, flag);
+            break;
+        case 3:
+            filter.Gaussian(window | 1U, first, flag);
+            break;
+        case 4:
+            filter.Percentile(first, second, ProfileFilter::Rank);
+            break;
+        default:
+            filter.Percentile(first, second, ProfileFilter::Range);
+            break;
+        }
+    }
+};
+
+std::ostream& operator<<(std::ostream& stream, const Operation& operation)
+{
+    return stream << "{" << operation.kind << ", window " << operation.window << ", flag " << operation.flag
+                  << ", slope " << operation.slope << ", " << operation.first << ", " << operation.second << "}";
+}
+
+template <typename T>
+T OneOf(std::initializer_list<T> values, std::mt19937& random)
+{
+    return *(values.begin() + std::uniform_int_distribution<std::size_t>(0, values.size() - 1)(random));
+}
+
+Operation RandomOperation(std::size_t kind, std::size_t mostWindow, std::mt19937& random)
+{
+    Operation operation;
+    operation.kind = kind;
+    operation.window = std::uniform_int_distribution<std::size_t>(0, mostWindow)(random);
+    operation.flag = OneOf({0, 1, -1}, random);
+    operation.slope = OneOf({0, 1, 50, 5000, -3, 1000000}, random);
+    operation.first = OneOf({0.0, 0.3, 1.0, 2.5, 10.0, 33.3, -1.0}, random);
+    operation.second = OneOf({100.0, 50.0, 66.6, 90.0, 2.0, 400.0}, random);
+    return operation;
+}
+
+/** Runs @p operations on the same memory in both ways; @p in and @p out are cells of the memory. */
+void ExpectSame(const Heights& memory, std::size_t in, std::size_t out, std::size_t size,
+                const std::vector<Operation>& operations)
+{
+    Heights fast = memory;
+    Heights plain = memory;
+    ProfileFilter filter(fast.data() + in, size, fast.data() + out, nullptr);
+    PlainFilter oracle(plain.data() + in, size, plain.data() + out);
+    for (const Operation& operation : operations)
+    {
+        operation.ApplyTo(filter);
+        operation.ApplyTo(oracle);
+        ASSERT_EQ(fast, plain) << operation << " of " << operations.size() << ", size " << size << ", from " << in
+                               << " to " << out;
+    }
+}
+
+/** As above, from one buffer to another. */
+void ExpectSame(const Heights& line, const std::vector<Operation>& operations)
+{
+    Heights memory = line;
+    memory.resize(2 * line.size(), 77);
+    ExpectSame(memory, 0, line.size(), line.size(), operations);
+}
+
+TEST(ProfileFilterAgainstPlainLoops, EachOperationOnShortLines)
+{
+    std::mt19937 random(2001);
+    for (int round = 0; round < 3000; ++round)
+    {
+        const std::size_t size = std::uniform_int_distribution<std::size_t>(1, 60)(random);
+        const int spread = OneOf({2, 200, 32767}, random);
+        for (const Missing missing : TestSupport::kAllMissing)
+        {
+            const Heights line = RandomLine(size, spread, missing, random);
+            ASSERT_NO_FATAL_FAILURE(
+                ExpectSame(line, {RandomOperation(static_cast<std::size_t>(round) % kOperations, 80, random)}));
+        }
+    }
+}
+
+TEST(ProfileFilterAgainstPlainLoops, EachOperationOnLongLines)
+{
+    std::mt19937 random(2002);
+    for (const std::size_t size : {64U, 255U, 256U, 257U, 512U, 1000U, 3001U})
+    {
+        for (std::size_t kind = 0; kind < kOperations; ++kind)
+        {
+            for (const Missing missing : TestSupport::kAllMissing)
+            {
+                const Heights line = RandomLine(size, OneOf({3, 1000, 32767}, random), missing, random);
+                ASSERT_NO_FATAL_FAILURE(ExpectSame(line, {RandomOperation(kind, 400, random)}));
+            }
+        }
+    }
+}
+
+TEST(ProfileFilterAgainstPlainLoops, EveryChainOfTwoAndThen)
+{
+    std::mt19937 random(2003);
+    for (int round = 0; round < 400; ++round)
+    {
+        for (std::size_t pair = 0; pair < kOperations * kOperations; ++pair)
+        {
+            const Missing missing = TestSupport::kAllMissing[static_cast<std::size_t>(round) % 3];
+            const Heights line = RandomLine(40, OneOf({10, 32767}, random), missing, random);
+            const std::size_t third = std::uniform_int_distribution<std::size_t>(0, kOperations - 1)(random);
+            ASSERT_NO_FATAL_FAILURE(
+                ExpectSame(line, {RandomOperation(pair / kOperations, 9, random),
+                                  RandomOperation(pair % kOperations, 9, random), RandomOperation(third, 9, random)}));
+        }
+    }
+}
+
+TEST(ProfileFilterAgainstPlainLoops, BuffersThatOverlapAtEveryDistance)
+{
+    constexpr std::size_t kSize = 30;
+    std::mt19937 random(2004);
+    for (std::size_t out = 0; out <= 2 * kSize + 4; ++out)
+    {
+        for (int round = 0; round < 60; ++round)
+        {
+            const Missing missing = TestSupport::kAllMissing[static_cast<std::size_t>(round) % 3];
+            const Heights memory = RandomLine(3 * kSize + 4, OneOf({10, 32767}, random), missing, random);
+            const std::size_t kind = static_cast<std::size_t>(round) % kOperations;
+            ASSERT_NO_FATAL_FAILURE(
+                ExpectSame(memory, kSize + 2, out, kSize,
+                           {RandomOperation(kind, 21, random), RandomOperation((kind + 1) % kOperations, 21, random)}));
+        }
+    }
+}
+
+/** Long enough that whole stretches and blocks are worked on at once. */
+TEST(ProfileFilterAgainstPlainLoops, LongBuffersThatOverlap)
+{
+    constexpr std::size_t kSize = 700;
+    std::mt19937 random(2005);
+    for (const std::size_t out :
+         {0U, 1U, 699U, 700U, 640U, 636U, 637U, 690U, 701U, 710U, 763U, 764U, 765U, 900U, 1399U, 1400U})
+    {
+        for (std::size_t kind = 0; kind < kOperations; ++kind)
+        {
+            for (const int missingEvery : {0, 150, 20})
+            {
+                Heights memory = RandomLine(3 * kSize, 1000, Missing::Nowhere, random);
+                for (std::size_t i = 7; missingEvery != 0 && i < memory.size();
+                     i += static_cast<std::size_t>(missingEvery))
+                {
+                    memory[i] = memory[i + 1] = TestSupport::kMissing;
+                }
+                Operation operation = RandomOperation(kind, 21, random);
+                operation.window += 3;
+                ASSERT_NO_FATAL_FAILURE(ExpectSame(memory, kSize, out, kSize, {operation, operation}));
+            }
+        }
+    }
+}
+
+TEST(ProfileFilterAgainstPlainLoops, GaussiansOfEverySigma)
+{
+    std::mt19937 random(2006);
+    for (const double sigma : {0.0, -1.0, -kInfinity, kInfinity, kNotANumber, 1e-200, 1e-162, 1e-5, 0.02, 0.052, 0.1,
+                               0.4, 1.7, 20.0, 1e9, 1e200, 1e308})
+    {
+        for (const std::size_t window : {3U, 5U, 7U, 51U, 201U})
+        {
+            for (const Missing missing : TestSupport::kAllMissing)
+            {
+                for (const int spread : {1, 5, 32767})
+                {
+                    Operation operation;
+                    operation.kind = 3;
+                    operation.window = window;
+                    operation.first = sigma;
+                    ASSERT_NO_FATAL_FAILURE(ExpectSame(RandomLine(300, spread, missing, random), {operation}));
+                }
+            }
+        }
+    }
+}
+
+/** Equal weights over an even count of cells: means half way between two heights, where every rounding error would
+ *  show. */
+TEST(ProfileFilterAgainstPlainLoops, MeansHalfWayBetweenTwoHeights)
+{
+    std::mt19937 random(2007);
+    Operation operation;
+    operation.kind = 3;
+    operation.first = kInfinity;
+    for (int round = 0; round < 300; ++round)
+    {
+        operation.window = OneOf<std::size_t>({3, 5, 9, 13, 25}, random);
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(RandomLine(400, 1, Missing::Sprinkled, random), {operation}));
+    }
+}
+
+TEST(ProfileFilterAgainstPlainLoops, WindowsWhoseHalfDoesNotFit32Bits)
+{
+    constexpr std::size_t kSize = 12;
+    std::mt19937 random(2008);
+    for (const std::size_t window : {(std::size_t{1} << 32U) - 1, (std::size_t{1} << 33U) - 1,
+                                     (std::size_t{1} << 33U) + 1, std::numeric_limits<std::size_t>::max()})
+    {
+        for (std::size_t out = 0; out <= 2 * kSize; ++out)
+        {
+            for (const std::size_t kind : {1U, 2U})
+            {
+                const Heights memory = RandomLine(3 * kSize, 1000, Missing::Sprinkled, random);
+                Operation operation;
+                operation.kind = kind;
+                operation.window = window;
+                operation.flag = 1;
+                ASSERT_NO_FATAL_FAILURE(ExpectSame(memory, kSize, out, kSize, {operation}));
+            }
+        }
+    }
+}
+
+} // namespace
