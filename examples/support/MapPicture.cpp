@@ -22,10 +22,7 @@ constexpr int kBottom = 60;
 constexpr int kBarGap = 24; // between map and colour bar
 constexpr int kBarWidth = 22;
 constexpr int kPanelGap = 110; // between the left ends of colour bar and panel
-constexpr int kPanelWidth = 430;
-constexpr int kNumberColumn = 280; // where the columns of the panel end
-constexpr int kRemarkColumn = 400;
-constexpr int kLineHeight = 22;
+constexpr int kLineHeight = Panel::kLineHeight;
 constexpr int kMagnifierSize = 340;
 constexpr std::size_t kShortestBorder = 120; // in pixels of the finer map
 
@@ -149,12 +146,17 @@ void MapPicture::Line(const qPoint64f& from, const qPoint64f& to, const cv::Scal
 
 void MapPicture::AddLegend(Symbol symbol, const cv::Scalar& colour, const std::string& text)
 {
-    panel.push_back({true, symbol, colour, text, {}, {}});
+    panel.AddLegend(symbol, colour, text);
 }
 
 void MapPicture::AddText(const std::string& name, const std::string& number, const std::string& remark)
 {
-    panel.push_back({false, Symbol::Line, {}, name, number, remark});
+    panel.AddText(name, number, remark);
+}
+
+void MapPicture::AddResults(const ResultTable& table)
+{
+    panel.AddResults(table);
 }
 
 void MapPicture::AddMagnifier(const qPoint64f& center, double reach, const std::string& caption)
@@ -170,7 +172,7 @@ cv::Mat MapPicture::Compose() const
     cv::Mat shown;
     cv::resize(map, shown, {map.cols / kFine, map.rows / kFine}, 0.0, 0.0, cv::INTER_AREA);
 
-    const int width = kLeft + shown.cols + kBarGap + kPanelGap + kPanelWidth;
+    const int width = kLeft + shown.cols + kBarGap + kPanelGap + Panel::kWidth;
     const int height = kTop + std::max(shown.rows, PanelHeight()) + kBottom;
     cv::Mat canvas(height, width, CV_8UC3, Colours::kBackground);
     WriteText(canvas, title, kLeft, 34, 0.75);
@@ -183,7 +185,7 @@ cv::Mat MapPicture::Compose() const
 
 int MapPicture::PanelHeight() const
 {
-    return static_cast<int>(panel.size()) * kLineHeight + (magnified.empty() ? 0 : kMagnifierSize + 2 * kLineHeight);
+    return panel.Height() + (magnified.empty() ? 0 : kMagnifierSize + 2 * kLineHeight);
 }
 
 void MapPicture::DrawAxes(cv::Mat& canvas) const
@@ -246,37 +248,11 @@ void MapPicture::DrawColourBar(cv::Mat& canvas) const
 
 void MapPicture::DrawPanel(cv::Mat& canvas) const
 {
-    const int left = kLeft + map.cols / kFine + kBarGap + kPanelGap;
-    int line = kTop + kLineHeight / 2;
-    for (const PanelEntry& entry : panel)
-    {
-        if (entry.isLegend)
-        {
-            DrawSymbol(canvas, entry, {left + 14, line});
-        }
-        WriteText(canvas, entry.text, entry.isLegend ? left + 38 : left, line + 5);
-        WriteText(canvas, entry.number, left + kNumberColumn, line + 5, kTextSize, Align::Right);
-        WriteText(canvas, entry.remark, left + kRemarkColumn, line + 5, kTextSize, Align::Right);
-        line += kLineHeight;
-    }
+    const cv::Point corner(kLeft + map.cols / kFine + kBarGap + kPanelGap, kTop);
+    panel.Draw(canvas, corner);
     if (!magnified.empty())
     {
-        DrawMagnifier(canvas, line);
-    }
-}
-
-/** The overlays are bright, so they are shown on the dark of a missing cell. */
-void MapPicture::DrawSymbol(cv::Mat& canvas, const PanelEntry& entry, const cv::Point& middle) const
-{
-    const cv::Rect patch(middle.x - 14, middle.y - 9, 28, 18);
-    cv::rectangle(canvas, patch, entry.symbol == Symbol::Patch ? entry.colour : Colours::kMissing, cv::FILLED);
-    if (entry.symbol == Symbol::Line)
-    {
-        cv::line(canvas, {middle.x - 10, middle.y}, {middle.x + 10, middle.y}, entry.colour, 2);
-    }
-    if (entry.symbol == Symbol::Dot)
-    {
-        cv::circle(canvas, middle, 3, entry.colour, cv::FILLED, cv::LINE_AA);
+        DrawMagnifier(canvas, corner.y + kLineHeight / 2 + panel.Height());
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/Drawing.h"
+#include "support/Panel.h"
 
 #include <ZdkVisionLib/ZdkVisionLib.h>
 
@@ -11,14 +12,6 @@
 
 namespace Examples
 {
-
-/** How an entry of the legend is shown. */
-enum class Symbol
-{
-    Line,
-    Dot,
-    Patch
-};
 
 /** Heights over a plane; a height outside is shown in the colour of the nearer end. */
 struct HeightRange
@@ -48,6 +41,9 @@ public:
     /** Adds a line of up to three columns: a name and two numbers. */
     void AddText(const std::string& name, const std::string& number = {}, const std::string& remark = {});
 
+    /** Adds a line for each result: its name, the measured value, and the deviation where the nominal value is known. */
+    void AddResults(const ResultTable& table);
+
     /** Puts a magnified view of the square of half-width @p reach around @p center under the legend. */
     void AddMagnifier(const qPoint64f& center, double reach, const std::string& caption);
 
@@ -55,22 +51,11 @@ public:
     cv::Mat Compose() const;
 
 private:
-    struct PanelEntry
-    {
-        bool isLegend;
-        Symbol symbol;
-        cv::Scalar colour;
-        std::string text;
-        std::string number;
-        std::string remark;
-    };
-
     cv::Point2d Pixel(const qPoint64f& world) const;
     int PanelHeight() const;
     void DrawAxes(cv::Mat& canvas) const;
     void DrawColourBar(cv::Mat& canvas) const;
     void DrawPanel(cv::Mat& canvas) const;
-    void DrawSymbol(cv::Mat& canvas, const PanelEntry& entry, const cv::Point& middle) const;
     void DrawMagnifier(cv::Mat& canvas, int top) const;
 
     qPoint3d64f scale;
@@ -80,7 +65,7 @@ private:
     double zoomX;
     double zoomY;
     cv::Mat map; ///< finer than it is shown, so that the magnifier has something to show
-    std::vector<PanelEntry> panel;
+    Panel panel;
     cv::Rect magnified;
     std::string magnifierCaption;
 };

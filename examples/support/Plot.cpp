@@ -14,7 +14,8 @@ namespace
 /** An axis of no length would divide by zero. */
 Plot::Axis Widened(const Plot::Axis& axis)
 {
-    return axis.high > axis.low ? axis : Plot::Axis{axis.label, axis.low - 1.0, axis.low + 1.0};
+    const double reach = std::max(1.0, 1e-3 * std::abs(axis.low)); // what 1 is added to may be too large to change
+    return axis.high > axis.low ? axis : Plot::Axis{axis.label, axis.low - reach, axis.low + reach};
 }
 
 } // namespace
@@ -56,15 +57,21 @@ void Plot::Dots(const std::vector<qPoint64f>& points, const cv::Scalar& colour, 
     }
 }
 
-void Plot::Curve(const std::vector<qPoint64f>& points, const cv::Scalar& colour)
+void Plot::Curve(const std::vector<qPoint64f>& points, const cv::Scalar& colour, int thickness)
 {
     for (std::size_t next = 1; next < points.size(); ++next)
     {
         if (IsInside(points[next - 1]) && IsInside(points[next]))
         {
-            cv::line(canvas, Pixel(points[next - 1]), Pixel(points[next]), colour, 1, cv::LINE_AA);
+            cv::line(canvas, Pixel(points[next - 1]), Pixel(points[next]), colour, thickness, cv::LINE_AA);
         }
     }
+}
+
+void Plot::Label(const qPoint64f& place, const std::string& text)
+{
+    const cv::Point at = Pixel(place);
+    WriteText(canvas, text, at.x, at.y);
 }
 
 bool Plot::IsInside(const qPoint64f& point) const

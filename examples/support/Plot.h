@@ -28,7 +28,10 @@ public:
     void Dots(const std::vector<qPoint64f>& points, const cv::Scalar& colour, int radius);
 
     /** Parts outside the range are left out. */
-    void Curve(const std::vector<qPoint64f>& points, const cv::Scalar& colour);
+    void Curve(const std::vector<qPoint64f>& points, const cv::Scalar& colour, int thickness = 1);
+
+    /** Writes @p text with its lower left end at @p place. */
+    void Label(const qPoint64f& place, const std::string& text);
 
 private:
     bool IsInside(const qPoint64f& point) const;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <iomanip>
 #include <sstream>
 
@@ -27,6 +28,11 @@ std::string DeviationText(double value)
     std::ostringstream text;
     text << std::showpos << std::fixed << std::setprecision(4) << value;
     return text.str();
+}
+
+std::string FileName(const std::string& path)
+{
+    return std::filesystem::path(path).filename().string();
 }
 
 } // namespace Examples

@@ -14,4 +14,7 @@ std::string MeasureText(double value);
 /** Four decimals, with a sign. */
 std::string DeviationText(double value);
 
+/** The last part of a path. */
+std::string FileName(const std::string& path);
+
 } // namespace Examples

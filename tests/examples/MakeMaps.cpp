@@ -69,6 +69,31 @@ double Grooves(int row, int column)
     return (isGroove ? -1.0 : 0.0) + Grain(row, column);
 }
 
+/** The upper half of the rows shows the groove in the middle, the lower half nothing. */
+double HalfGroove(int row, int column)
+{
+    const bool isGroove = std::abs(column - kMiddleColumn) < 15;
+    return row < kMiddleRow ? (isGroove ? -1.0 : 0.0) + Grain(row, column) : kMissing;
+}
+
+/** Each row shows the groove's left or its right part. */
+double TornGroove(int row, int column)
+{
+    const bool isSeen = (row % 2 == 0) == (column < kMiddleColumn);
+    return isSeen ? HalfGroove(0, column) : kMissing;
+}
+
+/** Three round knobs of different height on a plane, none in line with another. */
+double Knobs(int row, int column)
+{
+    const auto knob = [&](int middleRow, int middleColumn, double height)
+    {
+        const double away = kCell * std::hypot(row - middleRow, column - middleColumn);
+        return height * std::exp(-away * away / 0.5);
+    };
+    return knob(55, 60, 1.0) + knob(65, 175, 0.8) + knob(140, 115, 1.2) + Grain(row, column);
+}
+
 /** A cylinder of radius 15 mm with its axis along the rows. */
 double LyingCylinder(int row, int column)
 {
@@ -97,6 +122,9 @@ void WritePictures(const std::filesystem::path& folder)
     cv::imwrite(folder / "hole.png", Map(Hole));
     cv::imwrite(folder / "bowl.png", Map(Bowl));
     cv::imwrite(folder / "grooves.png", Map(Grooves));
+    cv::imwrite(folder / "half-groove.png", Map(HalfGroove));
+    cv::imwrite(folder / "torn-groove.png", Map(TornGroove));
+    cv::imwrite(folder / "knobs.png", Map(Knobs));
     cv::imwrite(folder / "lying-cylinder.png", Map(LyingCylinder));
     cv::imwrite(folder / "flat.png", Map([](int, int) { return 0.0; }));
     cv::imwrite(folder / "empty.png", Map([](int, int) { return kMissing; }));
@@ -113,6 +141,7 @@ void WritePictures(const std::filesystem::path& folder)
 void WriteMappings(const std::filesystem::path& folder)
 {
     WriteText(folder / "sound.json", kSoundJson);
+    WriteText(folder / "far.json", R"({"scale": [0.1, 0.1, 0.001], "offset": [90000.0, -50000.0, 20.0]})");
     WriteText(folder / "malformed.json", R"({"scale": [0.1, 0.1,)");
     WriteText(folder / "array.json", R"([1, 2, 3])");
     WriteText(folder / "no-scale.json", R"({"offset": [0, 0, 0]})");
