@@ -1,12 +1,10 @@
 #pragma once
 
 /** @file
- *  Maps to smooth, and the instruction sets to do it in. */
+ *  Maps to smooth. */
 
+#include "support/InstructionSets.h"
 #include "support/Surfaces.h"
-
-#include <hwy/highway.h>
-#include <hwy/targets.h>
 
 #include <array>
 #include <cstdint>
@@ -58,21 +56,6 @@ inline HeightMap RandomHeightMap(std::size_t rows, std::size_t columns, Holes ho
         cell = isMissing ? kMissing : static_cast<std::int16_t>(height(random));
     }
     return map;
-}
-
-/** Runs @p check once in each instruction set of this machine. */
-template <typename Check>
-void InEachInstructionSet(Check check)
-{
-    for (const std::int64_t target : hwy::SupportedAndGeneratedTargets())
-    {
-        SCOPED_TRACE(hwy::TargetName(target));
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-        check();
-    }
-    hwy::SetSupportedTargetsForTest(0);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
 }
 
 } // namespace TestSupport

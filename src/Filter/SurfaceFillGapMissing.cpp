@@ -1,0 +1,92 @@
+#include "Filter/SurfaceFillGapMissing.h"
+
+#include <ZdkVisionLib/Common/Common.h>
+
+#include <limits>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "Filter/SurfaceFillGapMissing.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace Zvl
+{
+namespace HWY_NAMESPACE
+{
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+/** The marks of up to 64 cells, one by one. */
+std::uint64_t WordOfSome(const std::int16_t* cells, std::size_t count)
+{
+    std::uint64_t word = 0;
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        word |= static_cast<std::uint64_t>(cells[i] == GetNull<short>()) << i;
+    }
+    return word;
+}
+
+/** The marks of 64 cells. */
+HWY_INLINE std::uint64_t WordOfAll(const std::int16_t* cells)
+{
+    const hn::CappedTag<std::int16_t, kWordCells> wide;
+    const std::size_t lanes = hn::Lanes(wide);
+    if (lanes < 8) // less than a byte of marks
+    {
+        return WordOfSome(cells, kWordCells);
+    }
+    const auto missing = hn::Set(wide, GetNull<short>());
+    auto lowest = hn::Set(wide, std::numeric_limits<std::int16_t>::max());
+    for (std::size_t i = 0; i < kWordCells; i += lanes)
+    {
+        lowest = hn::Min(lowest, hn::LoadU(wide, cells + i)); // no height is below a missing one
+    }
+    if (hn::AllFalse(wide, hn::Eq(lowest, missing)))
+    {
+        return 0;
+    }
+    std::uint8_t bytes[8 + 8]; // a vector's marks may be written as eight bytes, however few they are
+    for (std::size_t i = 0; i < kWordCells; i += lanes)
+    {
+        hn::StoreMaskBits(wide, hn::Eq(hn::LoadU(wide, cells + i), missing), bytes + i / 8);
+    }
+    std::uint64_t word = 0;
+    for (std::size_t i = 0; i < 8; ++i)
+    {
+        word |= static_cast<std::uint64_t>(bytes[i]) << (8 * i);
+    }
+    return word;
+}
+
+void MarkMissingIn(const std::int16_t* cells, std::size_t count, std::uint64_t* words)
+{
+    for (; count >= kWordCells; count -= kWordCells)
+    {
+        *words++ = WordOfAll(cells);
+        cells += kWordCells;
+    }
+    if (count > 0)
+    {
+        *words = WordOfSome(cells, count);
+    }
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace Zvl
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace Zvl
+{
+
+HWY_EXPORT(MarkMissingIn);
+
+void MarkMissing(const std::int16_t* cells, std::size_t count, std::uint64_t* words)
+{
+    HWY_DYNAMIC_DISPATCH(MarkMissingIn)(cells, count, words);
+}
+
+} // namespace Zvl
+#endif
