@@ -12,6 +12,7 @@
 #include <ZdkVisionLib/Common/MaskUniformSurface.h>
 #include <ZdkVisionLib/Filter/Filter.h>
 #include <ZdkVisionLib/Filter/ProfileFilter.h>
+#include <ZdkVisionLib/Filter/SurfaceDecimate.h>
 #include <ZdkVisionLib/Filter/SurfaceFillGap.h>
 #include <ZdkVisionLib/Filter/SurfaceFilter.h>
 #include <ZdkVisionLib/Fitting/Fit.h>
