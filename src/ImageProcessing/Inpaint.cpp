@@ -1,0 +1,277 @@
+#include <ZdkVisionLib/ImageProcessing/Inpaint.h>
+
+#include "ImageProcessing/InpaintValue.h"
+
+#include <opencv2/imgproc.hpp>
+
+#include <limits>
+#include <new>
+#include <type_traits>
+
+namespace Zvl
+{
+
+namespace
+{
+
+constexpr char kFunction[] = "Zvl::icvInpaint";
+
+/** What becomes of a value in a cell of type T: rounded to the nearest integer, ties to even, within the type's range. */
+template <typename T, typename Value>
+T ToCell(Value value)
+{
+    if constexpr (std::is_floating_point_v<T>)
+    {
+        return static_cast<T>(value);
+    }
+    else
+    {
+        using Limits = std::numeric_limits<T>;
+        if (std::isnan(value))
+        {
+            return 0;
+        }
+        return static_cast<T>(std::nearbyint(std::clamp<double>(value, Limits::min(), Limits::max())));
+    }
+}
+
+/** Marches from the cells of @p queue into the holes, and repairs each cell as the front reaches it. */
+template <typename T, typename Method>
+void MarchInwards(MarchPlanes& planes, cv::Mat& output, int range, CvPriorityQueueFloat& queue)
+{
+    const int channels = output.channels();
+    Method method(range, channels);
+    Patch patch(range);
+    PlaneCell passed{};
+    while (queue.Pop(&passed.i, &passed.j))
+    {
+        planes.f(passed.i, passed.j) = CELL_SETTLED;
+        for (const PlaneCell& cell : NeighboursOf(passed)) // the border is no hole, which ends the march there
+        {
+            if (planes.f(cell.i, cell.j) != CELL_HOLE)
+            {
+                continue;
+            }
+            const float time = ArrivalAt(planes.f, planes.t, cell);
+            planes.t(cell.i, cell.j) = time;
+            T* repaired = output.ptr<T>(cell.i - 1) + static_cast<std::ptrdiff_t>(cell.j - 1) * channels;
+            for (int channel = 0; channel < channels; ++channel)
+            {
+                patch.Fill<T>(output, channel, cell.i - 1, cell.j - 1);
+                repaired[channel] = ToCell<T>(method.ValueAt(planes, patch, cell));
+            }
+            planes.f(cell.i, cell.j) = CELL_FRONT;
+            queue.Push(cell.i, cell.j, time); // there is room for all holes
+        }
+    }
+}
+
+[[noreturn]] void Fail(int status, const char* message, int line)
+{
+    throw cv::Exception(status, message, kFunction, __FILE__, line);
+}
+
+template <typename Method>
+void RepairBy(MarchPlanes& planes, cv::Mat& output, int range, CvPriorityQueueFloat& queue, const char* otherDepth)
+{
+    switch (output.depth())
+    {
+    case CV_8U:
+        return MarchInwards<std::uint8_t, Method>(planes, output, range, queue);
+    case CV_16U:
+        return MarchInwards<std::uint16_t, Method>(planes, output, range, queue);
+    case CV_16S:
+        return MarchInwards<std::int16_t, Method>(planes, output, range, queue);
+    case CV_32F:
+        return MarchInwards<float, Method>(planes, output, range, queue);
+    default:
+        Fail(cv::Error::StsBadArg, otherDepth, __LINE__);
+    }
+}
+
+/** A plane of @p size with slack behind each row. */
+template <typename T>
+cv::Mat_<T> NewPlane(const cv::Size& size)
+{
+    cv::Mat_<T> plane(size.height, size.width + static_cast<int>(kRunSlack));
+    return plane.colRange(0, size.width);
+}
+
+/** What the holes are before anything is repaired, in planes with a border of one cell. */
+struct Holes
+{
+    cv::Mat_<std::uint8_t> mask; ///< #CELL_HOLE where there is one
+    cv::Mat_<std::uint8_t> band; ///< the known cells at their edge, likewise
+
+    explicit Holes(const cv::Mat& inputMask)
+    {
+        cv::copyMakeBorder((inputMask != 0) & CELL_HOLE, mask, 1, 1, 1, 1, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
+                           cv::Scalar(0));
+    }
+};
+
+void ClearBorder(cv::Mat_<std::uint8_t>& plane)
+{
+    for (const int row : {0, plane.rows - 1})
+    {
+        plane.row(row).setTo(0);
+    }
+    for (const int column : {0, plane.cols - 1})
+    {
+        plane.col(column).setTo(0);
+    }
+}
+
+/** Gives the known cells within @p range of the holes the negative of their distance, as the time at which the front has
+ *  passed them.
+ *  @return false when there is nothing to do or no memory for it */
+bool TimeSurroundings(const Holes& holes, int range, cv::Mat_<float>& t)
+{
+    const cv::Mat el_range = cv::getStructuringElement(cv::MORPH_RECT, {2 * range + 1, 2 * range + 1}, {range, range});
+    cv::Mat_<std::uint8_t> out;
+    cv::dilate(holes.mask, out, el_range, {range, range});
+    out -= holes.mask;
+    CvPriorityQueueFloat Out;
+    if (!Out.Init(out) || !Out.Add(holes.band))
+    {
+        return false;
+    }
+    out -= holes.band;
+    ClearBorder(out);
+    MarchOutwards(out, t, Out);
+    return true;
+}
+
+/** @p range rounded to the nearest integer, ties to even, and limited to 1 to 100; 1 for what is not a number. */
+int RangeOf(double range)
+{
+    return std::isnan(range) ? 1 : static_cast<int>(std::nearbyint(std::clamp(range, 1.0, 100.0)));
+}
+
+bool IsRepairable(int type)
+{
+    return type == CV_8UC1 || type == CV_16UC1 || type == CV_16SC1 || type == CV_32FC1 || type == CV_8UC3;
+}
+
+void CheckImages(const cv::Mat& input, const cv::Mat& inputMask, const cv::Mat& output)
+{
+    if (input.size() != inputMask.size() || input.size() != output.size())
+    {
+        Fail(cv::Error::StsUnmatchedSizes, "All the input and output images must have the same size", __LINE__);
+    }
+    if (!IsRepairable(input.type()) || output.type() != input.type())
+    {
+        Fail(cv::Error::StsUnsupportedFormat,
+             "8-bit, 16-bit unsigned or 32-bit float 1-channel and 8-bit 3-channel input/output images are supported",
+             __LINE__);
+    }
+    if (inputMask.type() != CV_8UC1)
+    {
+        Fail(cv::Error::StsUnsupportedFormat, "The mask must be 8-bit 1-channel image", __LINE__);
+    }
+    constexpr int longest = std::numeric_limits<int>::max() - 2 - static_cast<int>(kRunSlack);
+    constexpr std::int64_t mostCells = std::numeric_limits<std::uint32_t>::max();
+    if (input.rows > longest || input.cols > longest ||
+        (std::int64_t{input.rows} + 2) * (std::int64_t{input.cols} + 2) > mostCells)
+    {
+        Fail(cv::Error::StsOutOfRange, "The image has too many cells", __LINE__);
+    }
+}
+
+void icvInpaint(const cv::Mat& input, const cv::Mat& inputMask, cv::Mat& output, double inputRange, int flags)
+{
+    const int range = RangeOf(inputRange);
+    CheckImages(input, inputMask, output);
+    if (input.empty())
+    {
+        return;
+    }
+    Holes holes(inputMask); // before the output, which may be the mask, is written
+    input.copyTo(output);
+
+    const cv::Mat el_cross = cv::getStructuringElement(cv::MORPH_CROSS, {3, 3}, {1, 1});
+    cv::dilate(holes.mask, holes.band, el_cross, {1, 1});
+    CvPriorityQueueFloat Heap;
+    if (!Heap.Init(holes.band))
+    {
+        return;
+    }
+    holes.band -= holes.mask;
+    ClearBorder(holes.band);
+    if (!Heap.Add(holes.band))
+    {
+        return;
+    }
+
+    MarchPlanes planes = {NewPlane<std::uint8_t>(holes.mask.size()), NewPlane<float>(holes.mask.size())};
+    planes.f.setTo(CELL_SETTLED);
+    planes.f.setTo(CELL_FRONT, holes.band);
+    planes.f.setTo(CELL_HOLE, holes.mask);
+    planes.t.setTo(1000000.0F);
+    planes.t.setTo(0.0F, holes.band);
+    switch (flags)
+    {
+    case CV_INPAINT_TELEA:
+        if (TimeSurroundings(holes, range, planes.t))
+        {
+            RepairBy<TeleaMethod>(planes, output, range, Heap, "Unsupportedformat of the input image");
+        }
+        return;
+    case CV_INPAINT_NS:
+        return RepairBy<NavierStokesMethod>(planes, output, range, Heap, "Unsupported format of the input image");
+    default:
+        Fail(cv::Error::StsBadArg, "The flags argument must be one of CV_INPAINT_TELEA or CV_INPAINT_NS", __LINE__);
+    }
+}
+
+/** OpenCV looks at this in debug builds only. */
+void CheckDimensions(const cv::Mat& m)
+{
+    if (m.dims > 2)
+    {
+        throw cv::Exception(cv::Error::StsAssert, "m.dims <= 2", "Zvl::Inpaint", __FILE__, __LINE__);
+    }
+}
+
+/** Whether @p a and @p b have memory in common, but not cell by cell. */
+bool OverlapInPart(const cv::Mat& a, const cv::Mat& b)
+{
+    const auto begin = [](const cv::Mat& m) { return reinterpret_cast<std::uintptr_t>(m.data); };
+    const auto end = [&](const cv::Mat& m)
+    {
+        const auto rowsBefore = static_cast<std::size_t>(m.rows - 1);
+        return begin(m) + rowsBefore * m.step[0] + static_cast<std::size_t>(m.cols) * m.elemSize();
+    };
+    if (a.empty() || b.empty() || (begin(a) == begin(b) && a.step[0] == b.step[0]))
+    {
+        return false;
+    }
+    return begin(a) < end(b) && begin(b) < end(a);
+}
+
+} // namespace
+
+void Inpaint(cv::Mat& source, cv::Mat& mask, cv::Mat& destination, double range, int flags)
+{
+    CheckDimensions(source);
+    CheckDimensions(mask);
+    // Headers of their own keep the cells when the destination, which may be one of the two, is made anew.
+    cv::Mat input_hdr = source;
+    const cv::Mat mask_hdr = mask; // NOLINT(performance-unnecessary-copy-initialization)
+    destination.create(input_hdr.size(), input_hdr.type());
+    cv::Mat output_hdr = destination;
+    if (OverlapInPart(input_hdr, output_hdr))
+    {
+        input_hdr = input_hdr.clone();
+    }
+    try
+    {
+        icvInpaint(input_hdr, mask_hdr, output_hdr, range, flags);
+    }
+    catch (const std::bad_alloc&)
+    {
+        throw cv::Exception(cv::Error::StsNoMem, "Memory is exhausted", kFunction, __FILE__, __LINE__);
+    }
+}
+
+} // namespace Zvl

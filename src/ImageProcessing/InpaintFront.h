@@ -1,0 +1,42 @@
+#pragma once
+
+/** @file
+ *  The front that marches over an image, one cell after the other. */
+
+#include "ImageProcessing/InpaintQueue.h"
+
+#include <array>
+
+namespace Zvl
+{
+
+enum CellState : std::uint8_t
+{
+    CELL_SETTLED = 0, ///< known, or already passed by the front
+    CELL_FRONT = 1,   ///< the front's own
+    CELL_HOLE = 2,    ///< not yet reached
+    CELL_FLIPPED = 3  ///< passed, with a time that is to be negated
+};
+
+/** A cell of the working planes, which have a border of one cell around the image. */
+struct PlaneCell
+{
+    int i; ///< row
+    int j; ///< column
+};
+
+/** The four neighbours in the order in which the front tries them. */
+inline std::array<PlaneCell, 4> NeighboursOf(const PlaneCell& cell)
+{
+    return {{{cell.i - 1, cell.j}, {cell.i, cell.j - 1}, {cell.i + 1, cell.j}, {cell.i, cell.j + 1}}};
+}
+
+/** When the front arrives at @p cell, from the times @p t of its neighbours and their states @p f, of which at least one
+ *  is known: the earliest solution of the eikonal equation. */
+float ArrivalAt(const cv::Mat_<std::uint8_t>& f, const cv::Mat_<float>& t, const PlaneCell& cell);
+
+/** Marches from the cells of @p queue over those that are #CELL_HOLE in @p states, which are #CELL_FLIPPED afterwards, and
+ *  gives all of them the negative of the front's time. */
+void MarchOutwards(cv::Mat_<std::uint8_t>& states, cv::Mat_<float>& t, CvPriorityQueueFloat& queue);
+
+} // namespace Zvl
