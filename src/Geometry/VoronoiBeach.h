@@ -1,0 +1,55 @@
+#pragma once
+
+/** @file
+ *  The beach line: the breakpoints from left to right, between two ends that have no edge. */
+
+#include "Geometry/VoronoiBeachIndex.h"
+
+#include <optional>
+
+namespace Zvl
+{
+
+/** A linked list of half-edges. Half-edges that have left it are used again. */
+class VoronoiBeach
+{
+public:
+    /** @param tableMemory room for VoronoiBeachIndex::TableSize() pointers */
+    VoronoiBeach(VoronoiArena& memory, VoronoiBeachRun** tableMemory);
+
+    VoronoiHalfEdge* LeftEnd() const { return leftEnd; }
+    VoronoiHalfEdge* RightEnd() const { return rightEnd; }
+
+    /** The half-edge left of the arc above @p p, or the left end. */
+    VoronoiHalfEdge* FindArc(const qPoint64f& p, const qPoint64f& min, const qPoint64f& max) const;
+
+    /** Lets the next search begin at @p halfEdge. */
+    void SearchFrom(VoronoiHalfEdge* halfEdge) { lastInserted = halfEdge; }
+
+    VoronoiHalfEdge* InsertAfter(VoronoiHalfEdge* previous, VoronoiEdge* edge, std::int32_t direction);
+
+    /** Removes @p halfEdge and its right neighbour, between which an arc has vanished, and puts a half-edge on @p edge in
+     *  their place. */
+    VoronoiHalfEdge* ReplacePair(VoronoiHalfEdge* halfEdge, VoronoiEdge* edge, std::int32_t direction);
+
+private:
+    VoronoiHalfEdge* New(VoronoiEdge* edge, std::int32_t direction);
+    void LinkAfter(VoronoiHalfEdge* previous, VoronoiHalfEdge* added);
+    void Unlink(VoronoiHalfEdge* removed);
+
+    VoronoiArena& arena;
+    VoronoiBeachIndex index;
+    VoronoiHalfEdge* free = nullptr; // linked by `right`
+    VoronoiHalfEdge* leftEnd;
+    VoronoiHalfEdge* rightEnd;
+    VoronoiHalfEdge* lastInserted = nullptr;
+};
+
+/** True when @p p, a point on the sweep line, lies right of the breakpoint. The breakpoint itself is not computed: p is
+ *  compared with the parabola that the arc of the upper site and the bisector describe. */
+bool IsRightOf(const VoronoiHalfEdge& halfEdge, const qPoint64f& p);
+
+/** Where two neighbouring breakpoints meet, if they do. */
+std::optional<qPoint64f> VoronoiIntersect(const VoronoiHalfEdge& left, const VoronoiHalfEdge& right);
+
+} // namespace Zvl
