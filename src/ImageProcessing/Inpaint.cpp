@@ -1,5 +1,6 @@
 #include <ZdkVisionLib/ImageProcessing/Inpaint.h>
 
+#include "ImageProcessing/InpaintIslands.h"
 #include "ImageProcessing/InpaintValue.h"
 
 #include <opencv2/imgproc.hpp>
@@ -35,55 +36,90 @@ T ToCell(Value value)
     }
 }
 
-/** Marches from the cells of @p queue into the holes, and repairs each cell as the front reaches it. */
+/** The march into the holes, which repairs each cell as the front reaches it. */
 template <typename T, typename Method>
-void MarchInwards(MarchPlanes& planes, cv::Mat& output, int range, CvPriorityQueueFloat& queue)
+class MarchInwards
 {
-    const int channels = output.channels();
-    Method method(range, channels);
-    Patch patch(range);
-    PlaneCell passed{};
-    while (queue.Pop(&passed.i, &passed.j))
+public:
+    MarchInwards(MarchPlanes& marchPlanes, cv::Mat& image, int range, CvPriorityQueueFloat& front)
+        : planes(marchPlanes), output(image), queue(front), method(range, image.channels()), patch(range)
     {
-        planes.f(passed.i, passed.j) = CELL_SETTLED;
-        for (const PlaneCell& cell : NeighboursOf(passed)) // the border is no hole, which ends the march there
+    }
+
+    /** Marches from the cells of the queue until it is empty. */
+    void operator()()
+    {
+        PlaneCell passed{};
+        while (queue.Pop(&passed.i, &passed.j))
         {
-            if (planes.f(cell.i, cell.j) != CELL_HOLE)
+            planes.f(passed.i, passed.j) = CELL_SETTLED;
+            for (const PlaneCell& cell : NeighboursOf(passed)) // the border is no hole, which ends the march there
             {
-                continue;
+                if (planes.f(cell.i, cell.j) == CELL_HOLE)
+                {
+                    const float time = ArrivalAt(planes.f, planes.t, cell);
+                    planes.t(cell.i, cell.j) = time;
+                    Repair(cell);
+                    planes.f(cell.i, cell.j) = CELL_FRONT;
+                    queue.Push(cell.i, cell.j, time); // there is room for all holes
+                }
             }
-            const float time = ArrivalAt(planes.f, planes.t, cell);
-            planes.t(cell.i, cell.j) = time;
-            T* repaired = output.ptr<T>(cell.i - 1) + static_cast<std::ptrdiff_t>(cell.j - 1) * channels;
-            for (int channel = 0; channel < channels; ++channel)
-            {
-                patch.Fill<T>(output, channel, cell.i - 1, cell.j - 1);
-                repaired[channel] = ToCell<T>(method.ValueAt(planes, patch, cell));
-            }
-            planes.f(cell.i, cell.j) = CELL_FRONT;
-            queue.Push(cell.i, cell.j, time); // there is room for all holes
         }
     }
-}
+
+private:
+    void Repair(const PlaneCell& cell)
+    {
+        const int channels = output.channels();
+        T* repaired = output.ptr<T>(cell.i - 1) + static_cast<std::ptrdiff_t>(cell.j - 1) * channels;
+        for (int channel = 0; channel < channels; ++channel)
+        {
+            patch.Fill<T>(output, channel, cell.i - 1, cell.j - 1);
+            repaired[channel] = ToCell<T>(method.ValueAt(planes, patch, cell));
+        }
+    }
+
+    MarchPlanes& planes;
+    cv::Mat& output;
+    CvPriorityQueueFloat& queue;
+    Method method;
+    Patch patch;
+};
 
 [[noreturn]] void Fail(int status, const char* message, int line)
 {
     throw cv::Exception(status, message, kFunction, __FILE__, line);
 }
 
-template <typename Method>
-void RepairBy(MarchPlanes& planes, cv::Mat& output, int range, CvPriorityQueueFloat& queue, const char* otherDepth)
+/** What the march inwards needs, whatever the type of the image. */
+struct Task
 {
-    switch (output.depth())
+    MarchPlanes& planes;
+    const InpaintIslands& islands;
+    CvPriorityQueueFloat& queue;
+    int range;
+    cv::Mat& output;
+};
+
+template <typename T, typename Method>
+void RepairCells(const Task& task)
+{
+    task.islands.ForEach(task.queue, MarchInwards<T, Method>(task.planes, task.output, task.range, task.queue));
+}
+
+template <typename Method>
+void RepairBy(const Task& task, const char* otherDepth)
+{
+    switch (task.output.depth())
     {
     case CV_8U:
-        return MarchInwards<std::uint8_t, Method>(planes, output, range, queue);
+        return RepairCells<std::uint8_t, Method>(task);
     case CV_16U:
-        return MarchInwards<std::uint16_t, Method>(planes, output, range, queue);
+        return RepairCells<std::uint16_t, Method>(task);
     case CV_16S:
-        return MarchInwards<std::int16_t, Method>(planes, output, range, queue);
+        return RepairCells<std::int16_t, Method>(task);
     case CV_32F:
-        return MarchInwards<float, Method>(planes, output, range, queue);
+        return RepairCells<float, Method>(task);
     default:
         Fail(cv::Error::StsBadArg, otherDepth, __LINE__);
     }
@@ -125,20 +161,21 @@ void ClearBorder(cv::Mat_<std::uint8_t>& plane)
 /** Gives the known cells within @p range of the holes the negative of their distance, as the time at which the front has
  *  passed them.
  *  @return false when there is nothing to do or no memory for it */
-bool TimeSurroundings(const Holes& holes, int range, cv::Mat_<float>& t)
+bool TimeSurroundings(const Holes& holes, const InpaintIslands& islands, int range, cv::Mat_<float>& t)
 {
     const cv::Mat el_range = cv::getStructuringElement(cv::MORPH_RECT, {2 * range + 1, 2 * range + 1}, {range, range});
     cv::Mat_<std::uint8_t> out;
     cv::dilate(holes.mask, out, el_range, {range, range});
     out -= holes.mask;
     CvPriorityQueueFloat Out;
-    if (!Out.Init(out) || !Out.Add(holes.band))
+    if (!Out.Init(out))
     {
         return false;
     }
     out -= holes.band;
     ClearBorder(out);
-    MarchOutwards(out, t, Out);
+    islands.ForEach(Out, [&] { MarchOutwards(out, t, Out); });
+    NegateFlipped(out, t);
     return true;
 }
 
@@ -198,11 +235,10 @@ void icvInpaint(const cv::Mat& input, const cv::Mat& inputMask, cv::Mat& output,
     }
     holes.band -= holes.mask;
     ClearBorder(holes.band);
-    if (!Heap.Add(holes.band))
-    {
-        return;
-    }
 
+    // Holes matter to each other within the range and a step to a gradient, and in Telea's method where both time the same
+    // surroundings.
+    const InpaintIslands islands(holes.mask, holes.band, flags == CV_INPAINT_TELEA ? range : range / 2 + 1);
     MarchPlanes planes = {NewPlane<std::uint8_t>(holes.mask.size()), NewPlane<float>(holes.mask.size())};
     planes.f.setTo(CELL_SETTLED);
     planes.f.setTo(CELL_FRONT, holes.band);
@@ -212,13 +248,14 @@ void icvInpaint(const cv::Mat& input, const cv::Mat& inputMask, cv::Mat& output,
     switch (flags)
     {
     case CV_INPAINT_TELEA:
-        if (TimeSurroundings(holes, range, planes.t))
+        if (TimeSurroundings(holes, islands, range, planes.t))
         {
-            RepairBy<TeleaMethod>(planes, output, range, Heap, "Unsupportedformat of the input image");
+            RepairBy<TeleaMethod>({planes, islands, Heap, range, output}, "Unsupportedformat of the input image");
         }
         return;
     case CV_INPAINT_NS:
-        return RepairBy<NavierStokesMethod>(planes, output, range, Heap, "Unsupported format of the input image");
+        return RepairBy<NavierStokesMethod>({planes, islands, Heap, range, output},
+                                            "Unsupported format of the input image");
     default:
         Fail(cv::Error::StsBadArg, "The flags argument must be one of CV_INPAINT_TELEA or CV_INPAINT_NS", __LINE__);
     }

@@ -62,6 +62,10 @@ void MarchOutwards(cv::Mat_<std::uint8_t>& states, cv::Mat_<float>& t, CvPriorit
             }
         }
     }
+}
+
+void NegateFlipped(const cv::Mat_<std::uint8_t>& states, cv::Mat_<float>& t)
+{
     for (int i = 0; i < states.rows; ++i)
     {
         const std::uint8_t* state = states[i];

@@ -35,8 +35,11 @@ inline std::array<PlaneCell, 4> NeighboursOf(const PlaneCell& cell)
  *  is known: the earliest solution of the eikonal equation. */
 float ArrivalAt(const cv::Mat_<std::uint8_t>& f, const cv::Mat_<float>& t, const PlaneCell& cell);
 
-/** Marches from the cells of @p queue over those that are #CELL_HOLE in @p states, which are #CELL_FLIPPED afterwards, and
- *  gives all of them the negative of the front's time. */
+/** Marches from the cells of @p queue over those that are #CELL_HOLE in @p states, until it is empty. All of them are
+ *  #CELL_FLIPPED afterwards. */
 void MarchOutwards(cv::Mat_<std::uint8_t>& states, cv::Mat_<float>& t, CvPriorityQueueFloat& queue);
+
+/** Negates the times of cells that are #CELL_FLIPPED. */
+void NegateFlipped(const cv::Mat_<std::uint8_t>& states, cv::Mat_<float>& t);
 
 } // namespace Zvl

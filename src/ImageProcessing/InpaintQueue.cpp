@@ -7,30 +7,6 @@
 namespace Zvl
 {
 
-namespace
-{
-
-/** Calls `visit(i, j)` for the cells that are not 0, until it returns false.
- *  @return whether it never did */
-template <typename Visit>
-bool ForEachCell(const cv::Mat_<std::uint8_t>& cells, Visit visit)
-{
-    for (int i = 0; i < cells.rows; ++i)
-    {
-        const std::uint8_t* row = cells[i];
-        for (int j = 0; j < cells.cols; ++j)
-        {
-            if (row[j] != 0 && !visit(i, j))
-            {
-                return false;
-            }
-        }
-    }
-    return true;
-}
-
-} // namespace
-
 /** The bits of a float ascend with its value when the sign is turned, and all others with it where it is negative. */
 std::uint64_t CvPriorityQueueFloat::RankOf(float time, std::uint32_t push)
 {
@@ -56,11 +32,6 @@ bool CvPriorityQueueFloat::Init(const cv::Mat_<std::uint8_t>& cells)
     }
     nodes.reset(new (std::nothrow) Node[capacity]);
     return nodes != nullptr;
-}
-
-bool CvPriorityQueueFloat::Add(const cv::Mat_<std::uint8_t>& cells)
-{
-    return ForEachCell(cells, [this](int i, int j) { return Push(i, j, 0.0F); });
 }
 
 bool CvPriorityQueueFloat::Push(int i, int j, float time)

@@ -20,10 +20,6 @@ public:
      *  @return false when there are none, or memory does not suffice */
     bool Init(const cv::Mat_<std::uint8_t>& cells);
 
-    /** Pushes all cells of @p cells that are not 0, row after row, with a time of 0.
-     *  @return false when they do not fit */
-    bool Add(const cv::Mat_<std::uint8_t>& cells);
-
     /** @return false when the queue is full */
     bool Push(int i, int j, float time);
 

@@ -154,6 +154,24 @@ TEST(InpaintAgainstPlainLoops, FloatsOfEveryMagnitude)
     }
 }
 
+/** Few enough holes that some are too far apart to matter to each other, and others just do. */
+TEST(InpaintAgainstPlainLoops, ScatteredHoles)
+{
+    std::mt19937 random(75);
+    const auto upTo = [&](int count) { return std::uniform_int_distribution<int>(0, count - 1)(random); };
+    for (int round = 0; round < 200; ++round)
+    {
+        const int type = kTypes[static_cast<std::size_t>(round) % std::size(kTypes)];
+        const cv::Mat image = RandomImage(40, 60, type, random);
+        cv::Mat mask(40, 60, CV_8UC1, cv::Scalar(0));
+        for (int hole = 2 + upTo(8); hole > 0; --hole)
+        {
+            mask(cv::Rect(upTo(57), upTo(37), 1 + upTo(3), 1 + upTo(3))).setTo(1);
+        }
+        ASSERT_NO_FATAL_FAILURE(ExpectSame(image, mask, 1 + upTo(7)));
+    }
+}
+
 /** A flat image, whose gradients vanish. */
 TEST(InpaintAgainstPlainLoops, FlatImages)
 {

@@ -48,9 +48,10 @@ enum InpaintMethod : int
  *  @throws cv::Exception `cv::Error::StsNoMem` from OpenCV when memory is exhausted. When it does not suffice for the
  *          front, nothing is thrown, and @p destination is a copy.
  *
- *  With n cells in the holes and around them, time proportional to n (log n + range^2), and a few steps for each cell of
- *  the image. Working memory: 8 bytes for each cell of the image and 16 for each cell of the holes and their edges, for
- *  ::CV_INPAINT_TELEA also for those within @p range. On the calling thread; calls on different images may run at once.
+ *  With n cells in the holes and around them, time proportional to n (log n + range^2), and some steps for each cell of the
+ *  image. Working memory: up to 12 bytes for each cell of the image and 16 for each cell of the holes and their edges, for
+ *  ::CV_INPAINT_TELEA also for those within @p range. On the calling thread, but for what OpenCV does with threads of its
+ *  own; calls on different images may run at once.
  *
  *  Sources: A. Telea, An Image Inpainting Technique Based on the Fast Marching Method, 2004. M. Bertalmio, A. L. Bertozzi,
  *  G. Sapiro, Navier-Stokes, Fluid Dynamics, and Image and Video Inpainting, 2001. J. A. Sethian, A Fast Marching Level Set
