@@ -1,0 +1,79 @@
+#include "Fitting/CenteredPoints.h"
+
+#include <algorithm>
+
+namespace Zvl
+{
+
+CenteredPoints::CenteredPoints(const qPoint64f* points, std::size_t pointCount)
+    : count(pointCount), x((pointCount + kBlock - 1) / kBlock * kBlock, kRemoved), y(x)
+{
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        centroid.x += points[i].x;
+        centroid.y += points[i].y;
+    }
+    centroid.x /= static_cast<double>(count);
+    centroid.y /= static_cast<double>(count);
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        x[i] = points[i].x - centroid.x;
+        y[i] = points[i].y - centroid.y;
+    }
+}
+
+std::size_t CenteredPoints::FarthestFrom(const Circle& circle) const
+{
+    double largest = -1.0;
+    std::size_t first = 0;
+    for (std::size_t begin = 0; begin < x.size(); begin += kBlock)
+    {
+        const double residual = LargestResidual(begin, circle);
+        if (residual > largest)
+        {
+            largest = residual;
+            first = begin;
+        }
+    }
+    for (std::size_t i = first; i < std::min(first + kBlock, count); ++i)
+    {
+        if (Residual(SquaredDistance(i, circle), circle) == largest)
+        {
+            return i;
+        }
+    }
+    return FirstKept();
+}
+
+/** Largest residual of the block that begins at @p begin; -1 when no point of it is kept. */
+double CenteredPoints::LargestResidual(std::size_t begin, const Circle& circle) const
+{
+    double nearest[kLanes];
+    double farthest[kLanes];
+    std::fill_n(nearest, kLanes, std::numeric_limits<double>::infinity());
+    std::fill_n(farthest, kLanes, -1.0);
+    for (std::size_t i = begin; i < begin + kBlock; i += kLanes)
+    {
+        for (std::size_t lane = 0; lane < kLanes; ++lane)
+        {
+            const double distance = SquaredDistance(i + lane, circle);
+            nearest[lane] = distance < nearest[lane] ? distance : nearest[lane];
+            farthest[lane] = distance > farthest[lane] ? distance : farthest[lane];
+        }
+    }
+    const double largest = *std::max_element(farthest, farthest + kLanes);
+    const double smallest = *std::min_element(nearest, nearest + kLanes);
+    return largest < 0.0 ? -1.0 : std::max(Residual(largest, circle), Residual(smallest, circle));
+}
+
+std::size_t CenteredPoints::FirstKept() const
+{
+    std::size_t index = 0;
+    while (index + 1 < count && !Kept(index))
+    {
+        ++index;
+    }
+    return index;
+}
+
+} // namespace Zvl

@@ -1,0 +1,76 @@
+#pragma once
+
+/** @file
+ *  The points of a circle fit, from which points are taken out. */
+
+#include "Fitting/TriangularFactor.h"
+
+#include <ZdkVisionLib/platform/qApi.h>
+
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+namespace Zvl
+{
+
+struct Circle
+{
+    double x;
+    double y;
+    double radius;
+};
+
+/** The input about its centroid, each coordinate in an array of its own. A removed point becomes NaN, which
+ *  loses every comparison; so do the entries that fill the last block. */
+class CenteredPoints
+{
+public:
+    CenteredPoints(const qPoint64f* points, std::size_t pointCount);
+
+    const qPoint64f& Centroid() const { return centroid; }
+    std::size_t Count() const { return count; }
+    bool Kept(std::size_t index) const { return !std::isnan(x[index]); }
+    void Remove(std::size_t index) { x[index] = kRemoved; }
+
+    /** The equation `2 x x0 + 2 y y0 + c = x² + y²` of the circle in which the point has a part. */
+    Equation EquationOf(std::size_t index) const
+    {
+        return {{2.0 * x[index], 2.0 * y[index], 1.0}, x[index] * x[index] + y[index] * y[index]};
+    }
+
+    /** Index of the kept point with the largest | distance from the centre - radius |, the lowest among
+     *  equals.
+     *
+     *  Root and difference never reverse an order, rounding included. The largest residual of a block is
+     *  therefore that of its largest or its smallest squared distance. */
+    std::size_t FarthestFrom(const Circle& circle) const;
+
+private:
+    static constexpr std::size_t kLanes = 4; // independent extremes, so that the loop runs on vectors
+    static constexpr std::size_t kBlock = 64;
+    static constexpr double kRemoved = std::numeric_limits<double>::quiet_NaN();
+
+    static double Residual(double squaredDistance, const Circle& circle)
+    {
+        return std::fabs(std::sqrt(squaredDistance) - circle.radius);
+    }
+
+    double SquaredDistance(std::size_t index, const Circle& circle) const
+    {
+        const double dx = x[index] - circle.x;
+        const double dy = y[index] - circle.y;
+        return dx * dx + dy * dy;
+    }
+
+    double LargestResidual(std::size_t begin, const Circle& circle) const;
+    std::size_t FirstKept() const;
+
+    std::size_t count;
+    qPoint64f centroid{0.0, 0.0};
+    std::vector<double> x;
+    std::vector<double> y;
+};
+
+} // namespace Zvl
