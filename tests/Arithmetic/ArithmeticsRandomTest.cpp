@@ -3,8 +3,7 @@
  *  nulls none, few, clustered and everywhere, and the vector instructions of every kind that this machine has. */
 
 #include "Arithmetic/PlainArithmetic.h"
-
-#include <hwy/highway.h>
+#include "support/InstructionSets.h"
 
 namespace
 {
@@ -136,19 +135,7 @@ TEST(ArithmeticsRandom, MapsAgreeWithPlainLoops)
 
 TEST(ArithmeticsRandom, MapsAgreeForAllVectorInstructions)
 {
-    int kinds = 0;
-    for (std::int64_t targets = hwy::SupportedTargets() & HWY_TARGETS; targets != 0; targets &= targets - 1)
-    {
-        const std::int64_t target = targets & -targets;
-        SCOPED_TRACE(hwy::TargetName(target));
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-        CompareMaps(2, 300);
-        ++kinds;
-    }
-    hwy::SetSupportedTargetsForTest(0);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    EXPECT_GT(kinds, 0);
+    TestSupport::InEachInstructionSet([] { CompareMaps(2, 300); });
 }
 
 TEST(ArithmeticsRandom, ALargeMap)

@@ -13,6 +13,16 @@
 namespace TestSupport
 {
 
+/** The instruction set that this run of the tests is bound to; 0 when it may use the best one. */
+inline std::int64_t boundInstructionSet = 0;
+
+/** Lets kernels use @p target, or, if that is 0, what this run may use. */
+inline void UseInstructionSet(std::int64_t target)
+{
+    hwy::SetSupportedTargetsForTest(target != 0 ? target : boundInstructionSet);
+    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+}
+
 /** Runs @p check once in each instruction set of this machine. */
 template <typename Check>
 void InEachInstructionSet(Check check)
@@ -20,12 +30,10 @@ void InEachInstructionSet(Check check)
     for (const std::int64_t target : hwy::SupportedAndGeneratedTargets())
     {
         SCOPED_TRACE(hwy::TargetName(target));
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+        UseInstructionSet(target);
         check();
     }
-    hwy::SetSupportedTargetsForTest(0);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    UseInstructionSet(0);
 }
 
 } // namespace TestSupport
