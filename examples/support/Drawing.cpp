@@ -8,13 +8,23 @@
 
 namespace Examples
 {
+namespace
+{
+
+constexpr int kFont = cv::FONT_HERSHEY_SIMPLEX;
+
+} // namespace
 
 void WriteText(cv::Mat& canvas, const std::string& text, int at, int baseline, double size, Align align)
 {
-    constexpr int kFont = cv::FONT_HERSHEY_SIMPLEX;
-    const int width = cv::getTextSize(text, kFont, size, 1, nullptr).width;
+    const int width = TextWidth(text, size);
     const int left = at - (align == Align::Left ? 0 : align == Align::Middle ? width / 2 : width);
     cv::putText(canvas, text, {left, baseline}, kFont, size, Colours::kText, 1, cv::LINE_AA);
+}
+
+int TextWidth(const std::string& text, double size)
+{
+    return cv::getTextSize(text, kFont, size, 1, nullptr).width;
 }
 
 double RoundStep(double span, int most)

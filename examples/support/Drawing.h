@@ -35,6 +35,9 @@ enum class Align
 void WriteText(cv::Mat& canvas, const std::string& text, int at, int baseline, double size = kTextSize,
                Align align = Align::Left);
 
+/** Width of a text in pixels. */
+int TextWidth(const std::string& text, double size = kTextSize);
+
 /** A step of 1, 2 or 5 times a power of ten that divides @p span, above 0, into at most @p most parts. */
 double RoundStep(double span, int most);
 

@@ -1,7 +1,6 @@
 #include "support/MapPicture.h"
 
 #include "support/HeightMap.h"
-#include "support/PlaneDistance.h"
 
 #include <opencv2/imgproc.hpp>
 
@@ -13,9 +12,7 @@ namespace Examples
 namespace
 {
 
-constexpr int kFine = 3;             // the map is drawn so many times as large as it is shown
-constexpr double kMapWidth = 1000.0; // the map is zoomed to fit into this, in pixels
-constexpr double kMapHeight = 800.0;
+constexpr int kFine = 3;  // the map is drawn so many times as large as it is shown
 constexpr int kLeft = 80; // margins around the map
 constexpr int kTop = 74;
 constexpr int kBottom = 60;
@@ -23,67 +20,29 @@ constexpr int kBarGap = 24; // between map and colour bar
 constexpr int kBarWidth = 22;
 constexpr int kPanelGap = 110; // between the left ends of colour bar and panel
 constexpr int kLineHeight = Panel::kLineHeight;
+constexpr double kTitleSize = 0.75;
 constexpr int kMagnifierSize = 340;
 constexpr std::size_t kShortestBorder = 120; // in pixels of the finer map
-
-/** One colour per height: 0 for the low end of the range, 255 for the high end. */
-cv::Mat GreyLevels(const Zvl::Surface& surface, const qPlane3d64f& reference, const HeightRange& range)
-{
-    cv::Mat levels(static_cast<int>(Rows(surface)), static_cast<int>(Columns(surface)), CV_8UC1);
-    for (std::size_t row = 0; row < Rows(surface); ++row)
-    {
-        auto* level = levels.ptr<unsigned char>(static_cast<int>(row));
-        for (std::size_t column = 0; column < Columns(surface); ++column)
-        {
-            const double height = PlaneDistance(reference, WorldPoint(surface, row, column));
-            const double part = (height - range.low) / (range.high - range.low);
-            level[column] = static_cast<unsigned char>(std::lround(255.0 * std::clamp(part, 0.0, 1.0)));
-        }
-    }
-    return levels;
-}
-
-cv::Mat MissingCells(const Zvl::Surface& surface)
-{
-    cv::Mat missing(static_cast<int>(Rows(surface)), static_cast<int>(Columns(surface)), CV_8UC1);
-    for (std::size_t row = 0; row < Rows(surface); ++row)
-    {
-        const short* heights = HeightRow(surface, row);
-        std::transform(heights, heights + Columns(surface), missing.ptr<unsigned char>(static_cast<int>(row)),
-                       [](short height) { return static_cast<unsigned char>(IsMissing(height) ? 255 : 0); });
-    }
-    return missing;
-}
-
-cv::Mat Colour(const cv::Mat& levels)
-{
-    cv::Mat coloured;
-    cv::applyColorMap(levels, coloured, cv::COLORMAP_VIRIDIS);
-    return coloured;
-}
-
-/** Range of equal ends would divide by zero. */
-HeightRange Widened(const HeightRange& range)
-{
-    return range.high > range.low ? range : HeightRange{range.low - 1.0, range.low + 1.0};
-}
 
 } // namespace
 
 MapPicture::MapPicture(const Zvl::Surface& surface, const qPlane3d64f& reference, const HeightRange& heightRange,
-                       const std::string& titleText)
-    : scale(surface.scale), offset(surface.offset), range(Widened(heightRange)), title(titleText)
+                       const std::string& titleText, const MapStyle& style)
+    : scale(surface.scale),
+      offset(surface.offset),
+      range(Widened(heightRange)),
+      title(titleText),
+      palette(style.palette)
 {
     const double columns = static_cast<double>(Columns(surface));
     const double rows = static_cast<double>(Rows(surface));
-    const double pixelsPerUnit = std::min(kMapWidth / (columns * scale.x), kMapHeight / (rows * scale.y));
+    const double pixelsPerUnit = std::min(style.room.width / (columns * scale.x), style.room.height / (rows * scale.y));
     const cv::Size size(kFine * std::max(1, static_cast<int>(std::lround(columns * scale.x * pixelsPerUnit))),
                         kFine * std::max(1, static_cast<int>(std::lround(rows * scale.y * pixelsPerUnit))));
     zoomX = size.width / columns;
     zoomY = size.height / rows;
 
-    cv::Mat cells = Colour(GreyLevels(surface, reference, range));
-    cells.setTo(Colours::kMissing, MissingCells(surface));
+    const cv::Mat cells = FalseColours(surface, reference, range, palette);
     cv::resize(cells, map, size, 0.0, 0.0, zoomX < 1.0 ? cv::INTER_AREA : cv::INTER_NEAREST);
 }
 
@@ -172,10 +131,12 @@ cv::Mat MapPicture::Compose() const
     cv::Mat shown;
     cv::resize(map, shown, {map.cols / kFine, map.rows / kFine}, 0.0, 0.0, cv::INTER_AREA);
 
-    const int width = kLeft + shown.cols + kBarGap + kPanelGap + Panel::kWidth;
+    const int panelWidth = PanelHeight() > 0 ? Panel::kWidth : 0;
+    const int width =
+        kLeft + std::max(shown.cols + kBarGap + kPanelGap + panelWidth, TextWidth(title, kTitleSize) + kBarGap);
     const int height = kTop + std::max(shown.rows, PanelHeight()) + kBottom;
     cv::Mat canvas(height, width, CV_8UC3, Colours::kBackground);
-    WriteText(canvas, title, kLeft, 34, 0.75);
+    WriteText(canvas, title, kLeft, 34, kTitleSize);
     shown.copyTo(canvas(cv::Rect(kLeft, kTop, shown.cols, shown.rows)));
     DrawAxes(canvas);
     DrawColourBar(canvas);
@@ -195,7 +156,7 @@ void MapPicture::DrawAxes(cv::Mat& canvas) const
     cv::rectangle(canvas, cv::Point(kLeft - 1, kTop - 1), cv::Point(right, bottom), Colours::kText);
 
     const double columns = map.cols / zoomX;
-    const double stepX = RoundStep(columns * scale.x, 10);
+    const double stepX = RoundStep(columns * scale.x, std::clamp((right - kLeft) / 60, 2, 10));
     ForEachTick(offset.x, offset.x + (columns - 1.0) * scale.x, stepX,
                 [&](double x)
                 {
@@ -221,13 +182,8 @@ void MapPicture::DrawColourBar(cv::Mat& canvas) const
 {
     const int left = kLeft + map.cols / kFine + kBarGap;
     const int height = map.rows / kFine;
-    cv::Mat levels(256, 1, CV_8UC1);
-    for (int level = 0; level < 256; ++level)
-    {
-        levels.at<unsigned char>(level) = static_cast<unsigned char>(255 - level);
-    }
     cv::Mat bar;
-    cv::resize(Colour(levels), bar, {kBarWidth, height}, 0.0, 0.0, cv::INTER_LINEAR);
+    cv::rotate(ColourBar(palette, {height, kBarWidth}), bar, cv::ROTATE_90_COUNTERCLOCKWISE);
     bar.copyTo(canvas(cv::Rect(left, kTop, kBarWidth, height)));
     cv::rectangle(canvas, cv::Rect(left - 1, kTop - 1, kBarWidth + 2, height + 2), Colours::kText);
 
@@ -272,30 +228,6 @@ void MapPicture::DrawMagnifier(cv::Mat& canvas, int top) const
 
     const cv::Point origin(kLeft, kTop);
     cv::rectangle(canvas, magnified.tl() / kFine + origin, magnified.br() / kFine + origin, Colours::kText, 2);
-}
-
-HeightRange TypicalRange(const Zvl::Surface& surface, const qPlane3d64f& plane, double percent)
-{
-    std::vector<double> heights;
-    for (std::size_t row = 0; row < Rows(surface); ++row)
-    {
-        for (std::size_t column = 0; column < Columns(surface); ++column)
-        {
-            if (!IsMissing(HeightRow(surface, row)[column]))
-            {
-                heights.push_back(PlaneDistance(plane, WorldPoint(surface, row, column)));
-            }
-        }
-    }
-    if (heights.empty())
-    {
-        return {0.0, 0.0};
-    }
-    const auto rank = static_cast<std::ptrdiff_t>(percent / 100.0 * static_cast<double>(heights.size() - 1));
-    std::nth_element(heights.begin(), heights.begin() + rank, heights.end());
-    const double low = heights[static_cast<std::size_t>(rank)];
-    std::nth_element(heights.begin(), heights.end() - 1 - rank, heights.end());
-    return {low, heights[heights.size() - 1 - static_cast<std::size_t>(rank)]};
 }
 
 } // namespace Examples

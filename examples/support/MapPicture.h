@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/Drawing.h"
+#include "support/FalseColours.h"
 #include "support/Panel.h"
 
 #include <ZdkVisionLib/ZdkVisionLib.h>
@@ -13,11 +14,11 @@
 namespace Examples
 {
 
-/** Heights over a plane; a height outside is shown in the colour of the nearer end. */
-struct HeightRange
+/** How a map is shown. */
+struct MapStyle
 {
-    double low;
-    double high;
+    Palette palette = Palette::Heights;
+    cv::Size room{1000, 800}; ///< the map is zoomed to fit into this, in pixels
 };
 
 /** A height map in false colours with axes in world units, overlays, and a panel of text beside it. Colours show the
@@ -26,7 +27,7 @@ class MapPicture
 {
 public:
     MapPicture(const Zvl::Surface& surface, const qPlane3d64f& reference, const HeightRange& range,
-               const std::string& title);
+               const std::string& title, const MapStyle& style = {});
 
     /** Draws the border of a mask. */
     void OutlineMask(const Zvl::Rect2d<int>& box, void* mask, const cv::Scalar& colour);
@@ -47,7 +48,7 @@ public:
     /** Puts a magnified view of the square of half-width @p reach around @p center under the legend. */
     void AddMagnifier(const qPoint64f& center, double reach, const std::string& caption);
 
-    /** The finished picture: title, map with axes, colour bar, legend and text. */
+    /** The finished picture: title, map with axes, colour bar, and, if there are any, legend and text. */
     cv::Mat Compose() const;
 
 private:
@@ -62,6 +63,7 @@ private:
     qPoint3d64f offset;
     HeightRange range;
     std::string title;
+    Palette palette;
     double zoomX;
     double zoomY;
     cv::Mat map; ///< finer than it is shown, so that the magnifier has something to show
@@ -69,8 +71,5 @@ private:
     cv::Rect magnified;
     std::string magnifierCaption;
 };
-
-/** The heights over @p plane between which all but the outermost @p percent of the present cells lie. */
-HeightRange TypicalRange(const Zvl::Surface& surface, const qPlane3d64f& plane, double percent);
 
 } // namespace Examples

@@ -94,6 +94,18 @@ double Knobs(int row, int column)
     return knob(55, 60, 1.0) + knob(65, 175, 0.8) + knob(140, 115, 1.2) + Grain(row, column);
 }
 
+/** Every tenth cell of every tenth row is missing. */
+double Speckled(int row, int column)
+{
+    return row % 10 == 5 && column % 10 == 5 ? kMissing : Grain(row, column);
+}
+
+/** One height in the corner. */
+double Corner(int row, int column)
+{
+    return row == 0 && column == 0 ? 0.0 : kMissing;
+}
+
 /** A cylinder of radius 15 mm with its axis along the rows. */
 double LyingCylinder(int row, int column)
 {
@@ -127,6 +139,10 @@ void WritePictures(const std::filesystem::path& folder)
     cv::imwrite(folder / "knobs.png", Map(Knobs));
     cv::imwrite(folder / "lying-cylinder.png", Map(LyingCylinder));
     cv::imwrite(folder / "flat.png", Map([](int, int) { return 0.0; }));
+    cv::imwrite(folder / "speckled.png", Map(Speckled));
+    cv::imwrite(folder / "corner.png", Map(Corner));
+    cv::imwrite(folder / "row.png", Map(Grain).row(0));
+    cv::imwrite(folder / "column.png", Map(Grain).col(0));
     cv::imwrite(folder / "empty.png", Map([](int, int) { return kMissing; }));
     cv::imwrite(folder / "eight-bits.png", cv::Mat::ones(kRows, kColumns, CV_8UC1));
     cv::imwrite(folder / "colours.png", cv::Mat(kRows, kColumns, CV_16UC3, cv::Scalar::all(1000.0)));

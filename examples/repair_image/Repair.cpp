@@ -1,0 +1,96 @@
+#include "repair_image/Repair.h"
+
+#include "support/FalseColours.h"
+#include "support/GapLimits.h"
+#include "support/Stopwatch.h"
+
+#include <ZdkVisionLib/ImageProcessing/Inpaint.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace RepairImage
+{
+namespace
+{
+
+constexpr short kMissing = Zvl::GetNull<short>();
+constexpr double kRange = 5.0; // cells around a hole that its cells are made of
+
+/** Repairs an image in its place. Returns the milliseconds that it took. */
+double InpaintCells(cv::Mat image, cv::Mat holes, Zvl::InpaintMethod method)
+{
+    // At the edge of an image its holes are read as well, and a reserved count would show there.
+    image.setTo(cv::mean(image, ~holes), holes);
+    const Examples::Stopwatch stopwatch;
+    Zvl::Inpaint(image, holes, image, kRange, method);
+    return stopwatch.Milliseconds();
+}
+
+Repair Inpaint(const Specimen& specimen, const std::string& name, Zvl::InpaintMethod method)
+{
+    Repair repair{name, Copy(specimen.damaged), 0.0, {}, {}, {}};
+    const cv::Mat holes = Examples::MissingCells(specimen.damaged);
+    repair.heightMilliseconds = InpaintCells(HeightImage(repair.surface), holes, method);
+    if (HasIntensities(specimen.damaged))
+    {
+        repair.intensityMilliseconds = InpaintCells(IntensityImage(repair.surface), holes, method);
+    }
+    return repair;
+}
+
+/** Interpolates heights and intensities from the ends of each gap. */
+Repair FillGaps(const Specimen& specimen)
+{
+    constexpr double kSteepest = 80.0;
+    const Zvl::Surface& damaged = specimen.damaged;
+    const int longest = std::min(specimen.dropouts.rows, specimen.dropouts.cols) / 4;
+    const Zvl::SurfaceFillGapParams limits = Examples::GapLimits(damaged, longest, kSteepest);
+    Repair repair{"gap filling", damaged, 0.0, {}, {}, {}};
+    Zo::Object<void*> intensities = HasIntensities(damaged) ? damaged.layers[1] : Zo::Object<void*>();
+    const Examples::Stopwatch stopwatch;
+    Zvl::SurfaceFillGapXY(limits, damaged.layers[0], intensities, repair.surface.layers[0], intensities, nullptr);
+    repair.heightMilliseconds = stopwatch.Milliseconds();
+    if (HasIntensities(damaged))
+    {
+        repair.surface.layers[1] = intensities;
+    }
+    return repair;
+}
+
+/** Compares the dropouts of two images; in the cells of @p open nothing was repaired. */
+Errors Compare(const cv::Mat& repaired, const cv::Mat& truth, const cv::Mat& dropouts, const cv::Mat& open)
+{
+    cv::Mat cells = cv::Mat::zeros(truth.size(), CV_16SC1);
+    cv::subtract(repaired, truth, cells, dropouts, CV_16S);
+    cells = cv::max(cells, kMissing + 1); // the lowest count is no error
+    const cv::Mat compared = dropouts & ~open;
+    const auto count = static_cast<std::size_t>(cv::countNonZero(compared));
+    const double rms = cv::norm(cells, cv::NORM_L2, compared) / std::sqrt(static_cast<double>(count));
+    const double largest = cv::norm(cells, cv::NORM_INF, compared);
+    cells.setTo(kMissing, open);
+    return {cells, count, static_cast<std::size_t>(cv::countNonZero(dropouts)) - count, rms, largest};
+}
+
+Repair WithErrors(Repair repair, const Specimen& specimen)
+{
+    const cv::Mat open = Examples::MissingCells(repair.surface);
+    repair.heightErrors = Compare(HeightImage(repair.surface), HeightImage(specimen.truth), specimen.dropouts, open);
+    if (HasIntensities(specimen.truth))
+    {
+        repair.intensityErrors =
+            Compare(IntensityImage(repair.surface), IntensityImage(specimen.truth), specimen.dropouts, open);
+    }
+    return repair;
+}
+
+} // namespace
+
+std::vector<Repair> RepairAll(const Specimen& specimen)
+{
+    return {WithErrors(Inpaint(specimen, "Navier-Stokes", Zvl::CV_INPAINT_NS), specimen),
+            WithErrors(Inpaint(specimen, "Telea", Zvl::CV_INPAINT_TELEA), specimen),
+            WithErrors(FillGaps(specimen), specimen)};
+}
+
+} // namespace RepairImage
