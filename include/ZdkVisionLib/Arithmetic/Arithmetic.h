@@ -108,8 +108,9 @@ public:
 class ZDK_VISION_EXPORT Arithmetics
 {
 public:
-    /** Adds, subtracts or averages two height maps, in the frame of @p surface0. With a and b the world heights above
-     *  the offset of the first surface, a cell of the result is, truncated to a count:
+    /** Adds, subtracts or averages two height maps. With a and b the world heights of the sources, `offset + count * scale`
+     *  in their own frames, the world height of a cell of the result, in the frame of @p surface0 and truncated to a count
+     *  of it, is:
      *
      *  | sources with a height | Intersection | Union           |
      *  |-----------------------|--------------|-----------------|

@@ -24,8 +24,9 @@ enum InpaintMethod : int
  *  over the known cells and those repaired before it that lie within @p range.
  *
  *  The first row and column of the image are read one cell further inside, and so are, in part, the neighbours of the
- *  last ones, so that gradients stay within the image. What a hole there holds may therefore show in the result: clear
- *  no masked cells beforehand. In images of a single row or column, that one is read in place of its missing neighbours.
+ *  last ones, so that gradients stay within the image. What a hole there holds may therefore show in the result: let it
+ *  hold something plausible, and in a height map the mean height rather than the missing one. In images of a single row or
+ *  column, that one is read in place of its missing neighbours.
  *
  *  @param source 8-bit with 1 or 3 channels, or 16-bit unsigned, 16-bit signed or 32-bit float with 1 channel, of two
  *         dimensions; it may be a part of another matrix. In float images, a result is not finite where cells around it
