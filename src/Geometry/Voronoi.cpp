@@ -4,11 +4,11 @@
 #include "Common/Rounding.h"
 #include "Geometry/VoronoiCells.h"
 #include "Geometry/VoronoiGaps.h"
+#include "Geometry/VoronoiHeap.h"
 #include "Geometry/VoronoiSites.h"
 #include "Geometry/VoronoiSweep.h"
 
 #include <cmath>
-#include <cstdlib>
 
 namespace Zvl
 {
@@ -17,16 +17,6 @@ namespace
 {
 
 constexpr const char* kFunction = "Zvl::GenerateVoronoi";
-
-void* AllocateFromHeap(void* /*context*/, std::size_t size)
-{
-    return std::malloc(size);
-}
-
-void ReleaseToHeap(void* /*context*/, void* memory)
-{
-    std::free(memory);
-}
 
 /** Hands out stretches of one allocation. */
 class Stretches
@@ -97,8 +87,10 @@ void Build(const Layout& layout, std::span<const qPoint64f> points, const Vorono
     {
         VoronoiQueue queue{ClampToInt(QueueSize(points.size())), 1, layout.queueItems};
         VoronoiSweep(internal, queue, layout.table).Run();
+        CellPrefetch prefetch(internal.sites);
         for (VoronoiSite& site : internal.sites)
         {
+            prefetch.Advance();
             BuildCell(internal, site);
             FillGaps(internal, site);
         }
@@ -109,7 +101,22 @@ void Build(const Layout& layout, std::span<const qPoint64f> points, const Vorono
 
 void GenerateVoronoi(std::int32_t count, const qPoint64f* points, const VoronoiRect* clip, VoronoiDiagram* diagram)
 {
-    GenerateVoronoiWith(count, points, clip, nullptr, &AllocateFromHeap, &ReleaseToHeap, diagram);
+    VoronoiHeap* heap = VoronoiHeap::New(count);
+    if (heap == nullptr)
+    {
+        FreeVoronoi(diagram);
+        ZVL_THROW(kFunction, STATUS_OUT_OF_MEMORY);
+    }
+    try
+    {
+        GenerateVoronoiWith(count, points, clip, heap, &VoronoiHeap::Allocate, &VoronoiHeap::Release, diagram);
+    }
+    catch (...)
+    {
+        heap->Disown();
+        throw;
+    }
+    heap->Disown();
 }
 
 void GenerateVoronoiWith(std::int32_t count, const qPoint64f* points, const VoronoiRect* clip, void* context,

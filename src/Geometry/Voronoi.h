@@ -20,7 +20,8 @@
  *
  *  Where things are: VoronoiSites (sorting and the box), VoronoiSweep (the events), VoronoiBeach with VoronoiBeachIndex
  *  (the beach line), VoronoiQueue (the circle events to come), VoronoiClip (edges cut to the box), VoronoiCells (the
- *  edges around each site), VoronoiGaps (the border of the box), VoronoiVertices (the graph), VoronoiArena (memory).
+ *  edges around each site), VoronoiGaps (the border of the box), VoronoiVertices (the graph), VoronoiArena and VoronoiHeap
+ *  (memory).
  *
  *  A diagram belongs to one thread at a time; nothing is shared between diagrams. */
 

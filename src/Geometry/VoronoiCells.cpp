@@ -100,4 +100,22 @@ void BuildCell(VoronoiInternal& internal, VoronoiSite& site)
     site.edges = count > 1 ? Sort(first, count, rest) : first;
 }
 
+void CellPrefetch::Advance()
+{
+    for (std::size_t ahead = 1; ahead < kAhead; ++ahead)
+    {
+        const std::size_t site = next + ahead;
+        const VoronoiEdge*& link = links[site % kAhead];
+        if (link != nullptr && site < sites.size())
+        {
+            link = link->previous[link->sites[0] == &sites[site] ? 0 : 1];
+            __builtin_prefetch(link);
+        }
+    }
+    const std::size_t added = next + kAhead;
+    links[next % kAhead] = added < sites.size() ? sites[added].finished : nullptr;
+    __builtin_prefetch(links[next % kAhead]);
+    ++next;
+}
+
 } // namespace Zvl

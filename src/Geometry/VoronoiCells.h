@@ -18,4 +18,22 @@ void FinishEdge(VoronoiInternal& internal, VoronoiEdge& edge);
  *  finished last comes first. */
 void BuildCell(VoronoiInternal& internal, VoronoiSite& site);
 
+/** Fetches the edges of the sites ahead of the one that is built into the cache, each site's chain by one link at a time:
+ *  with many sites the edges are spread over more memory than the cache holds. */
+class CellPrefetch
+{
+public:
+    explicit CellPrefetch(std::span<VoronoiSite> all) : sites(all) {}
+
+    /** To be called before each cell is built, in the order of the sites. */
+    void Advance();
+
+private:
+    static constexpr std::size_t kAhead = 8;
+
+    std::span<VoronoiSite> sites;
+    std::size_t next = 0;
+    const VoronoiEdge* links[kAhead] = {}; // of the site with this remainder
+};
+
 } // namespace Zvl

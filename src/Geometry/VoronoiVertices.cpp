@@ -21,7 +21,7 @@ public:
     void WalkAround(const VoronoiSite& site)
     {
         const VoronoiGraphEdge* first = site.edges;
-        const VoronoiEdge* firstKnown = Known(site, *first);
+        const VoronoiGraphEdge* firstKnown = Known(site, *first);
         if (first->next == nullptr)
         {
             if (firstKnown == nullptr) // a cell that rounding has left open
@@ -32,14 +32,14 @@ public:
             return;
         }
         const VoronoiGraphEdge* current = first->next;
-        const VoronoiEdge* known = Known(site, *current);
-        VoronoiVertex* vertex = known != nullptr        ? Remaining(known->vertices[1])
-                                : firstKnown != nullptr ? Remaining(firstKnown->vertices[0])
+        const VoronoiGraphEdge* known = Known(site, *current);
+        VoronoiVertex* vertex = known != nullptr        ? Remaining(known->edge->vertices[1])
+                                : firstKnown != nullptr ? Remaining(firstKnown->edge->vertices[0])
                                                         : NewVertex(current->pos[0]);
         VoronoiVertex* firstEnd = vertex;
         for (const VoronoiGraphEdge* following = current->next; following != nullptr; following = following->next)
         {
-            const VoronoiEdge* nextKnown = Known(site, *following);
+            const VoronoiGraphEdge* nextKnown = Known(site, *following);
             vertex = Link(vertex, *current, known, nextKnown);
             known = nextKnown;
             current = following;
@@ -71,28 +71,29 @@ public:
 
 private:
     /** The edge when it has its vertices from the walk around the other site. */
-    static const VoronoiEdge* Known(const VoronoiSite& site, const VoronoiGraphEdge& graphEdge)
+    static const VoronoiGraphEdge* Known(const VoronoiSite& site, const VoronoiGraphEdge& graphEdge)
     {
-        return graphEdge.neighbor != nullptr && graphEdge.neighbor < &site ? graphEdge.edge : nullptr;
+        return graphEdge.neighbor != nullptr && graphEdge.neighbor < &site ? &graphEdge : nullptr;
     }
 
     /** Goes along an edge from @p begin to the vertex at its end.
      *  @param known the edge itself, when it has its vertices
      *  @param nextKnown the edge that follows, likewise */
-    VoronoiVertex* Link(VoronoiVertex* begin, const VoronoiGraphEdge& graphEdge, const VoronoiEdge* known,
-                        const VoronoiEdge* nextKnown)
+    VoronoiVertex* Link(VoronoiVertex* begin, const VoronoiGraphEdge& graphEdge, const VoronoiGraphEdge* known,
+                        const VoronoiGraphEdge* nextKnown)
     {
         if (known != nullptr)
         {
-            VoronoiVertex* end = Remaining(known->vertices[0]);
-            VoronoiVertex* nextBegin = nextKnown != nullptr ? Remaining(nextKnown->vertices[1]) : end;
+            VoronoiVertex* end = Remaining(known->edge->vertices[0]);
+            VoronoiVertex* nextBegin = nextKnown != nullptr ? Remaining(nextKnown->edge->vertices[1]) : end;
             if (nextBegin != end)
             {
                 Merge(*nextBegin, *end);
             }
             return end;
         }
-        VoronoiVertex* end = nextKnown != nullptr ? Remaining(nextKnown->vertices[1]) : NewVertex(graphEdge.pos[1]);
+        VoronoiVertex* end =
+            nextKnown != nullptr ? Remaining(nextKnown->edge->vertices[1]) : NewVertex(graphEdge.pos[1]);
         Tie(*graphEdge.edge, *begin, *end);
         return end;
     }

@@ -1,9 +1,11 @@
 #include "Geometry/VoronoiBeach.h"
 #include "Geometry/VoronoiClip.h"
+#include "Geometry/VoronoiHeap.h"
 #include "Geometry/VoronoiQueue.h"
 
 #include "support/ExpectThrow.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <list>
 #include <random>
@@ -144,6 +146,29 @@ TEST(VoronoiArena, RecordsAreZeroAndFillBlocks)
     EXPECT_NE(arena.New<Record>(""), first + 31); // 31 records fit in the 16360 bytes of a block
     arena.FreeBlocks();
     EXPECT_NE(arena.New<Record>(""), nullptr);
+}
+
+TEST(VoronoiHeap, BlocksAreApartAlignedAndWritable)
+{
+    for (const std::int32_t count : {-1, 0, 1000, 2147483647})
+    {
+        Zvl::VoronoiHeap* heap = Zvl::VoronoiHeap::New(count);
+        ASSERT_NE(heap, nullptr);
+        std::vector<char*> blocks;
+        for (const std::size_t size : {1U, 100U, 16384U, 16384U, 100000U, 3U, 16384U})
+        {
+            blocks.push_back(static_cast<char*>(Zvl::VoronoiHeap::Allocate(heap, size)));
+            ASSERT_NE(blocks.back(), nullptr);
+            EXPECT_EQ(reinterpret_cast<std::uintptr_t>(blocks.back()) % alignof(std::max_align_t), 0U);
+            std::fill_n(blocks.back(), size, static_cast<char>(blocks.size()));
+        }
+        heap->Disown();
+        for (std::size_t i = 0; i < blocks.size(); ++i)
+        {
+            EXPECT_EQ(*blocks[i], static_cast<char>(i + 1));
+            Zvl::VoronoiHeap::Release(heap, blocks[i]);
+        }
+    }
 }
 
 /** The index beside a plain list, with half-edges told apart by their keys. */
