@@ -1,7 +1,7 @@
 #include <ZdkVisionLib/Fitting/Fit.h>
 
-#include "Common/Check.h"
 #include "Fitting/CircleLeastSquares.h"
+#include "Fitting/CircleMinimumZone.h"
 
 #include <cmath>
 #include <limits>
@@ -98,7 +98,9 @@ void FitCircle(const qPoint64f* points, std::size_t count, double outlierPercent
     }
     if (type == CIRCLE_MZC)
     {
-        ZVL_THROW("Zvl::FitCircle", STATUS_NOT_SUPPORTED);
+        const std::vector<qPoint64f>& kept = result.keptPoints;
+        FitCircle_MZC(kept.data(), kept.size(), &result.center, &result.minRadius, &result.maxRadius,
+                      &result.maxDistPoints, &result.minDistPoints);
     }
 
     Write(center, result.center);

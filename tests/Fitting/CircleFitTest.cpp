@@ -221,16 +221,63 @@ TEST(FitCircle, HugePercentageLeavesThreePoints)
     EXPECT_EQ(FitPoints(RoundPart(), 1e30, Zvl::CIRCLE_LSC).kept.size(), 3U);
 }
 
-TEST(FitCircle, MinimumZoneIsNotYetSupported)
+TEST(FitCircle, MinimumZoneOfTheKeptPoints)
 {
-    for (const double percent : {0.0, 20.0})
+    // An ellipse of half axes 5.1 and 4.9 with corners at its ends: the zone about its centre is 0.2 wide.
+    Points points;
+    for (int i = 0; i < 40; ++i)
     {
-        Outputs outputs;
-        const Points points = RoundPart();
-        TestSupport::ExpectThrow(STATUS_NOT_SUPPORTED, "Zvl::FitCircle",
-                                 [&] { FitInto(outputs, points.data(), points.size(), percent, Zvl::CIRCLE_MZC); });
-        ExpectUntouched(outputs);
+        const double angle = (i + 0.1) * kPi / 20.0;
+        points.push_back({1.0 + 5.1 * std::cos(angle), 2.0 + 4.9 * std::sin(angle)});
     }
+    for (const qPoint64f& p : {qPoint64f{6.1, 2.0}, {-4.1, 2.0}, {1.0, 6.9}, {1.0, -2.9}})
+    {
+        points.push_back(p);
+    }
+    const Outputs whole = FitPoints(points, 0.0, Zvl::CIRCLE_MZC);
+    EXPECT_NEAR(whole.center.x, 1.0, 1e-6);
+    EXPECT_NEAR(whole.center.y, 2.0, 1e-6);
+    EXPECT_NEAR(whole.minRadius, 4.9, 1e-6);
+    EXPECT_NEAR(whole.maxRadius, 5.1, 1e-6);
+    EXPECT_EQ(whole.maxDistance, kNull);
+    EXPECT_EQ(whole.minDistance, kNull);
+    EXPECT_EQ(whole.maxDistPoints.size(), 2U);
+    EXPECT_EQ(whole.minDistPoints.size(), 2U);
+    ExpectPoints(whole.kept, points);
+    EXPECT_TRUE(whole.outliers.empty());
+
+    points.push_back({1.0, 30.0});
+    points.push_back({1.5, 2.0});
+    const Outputs cleaned = FitPoints(points, 5.0, Zvl::CIRCLE_MZC); // two points of 46
+    EXPECT_EQ(cleaned.outliers.size(), 2U);
+    EXPECT_EQ(cleaned.kept.size(), 44U);
+    EXPECT_EQ(cleaned.minRadius, whole.minRadius);
+    EXPECT_EQ(cleaned.maxRadius, whole.maxRadius);
+    EXPECT_EQ(cleaned.maxDistance, kNull);
+}
+
+TEST(FitCircle, MinimumZoneWithoutOneLeavesEverythingNull)
+{
+    for (const Points& points : {Points{}, Points{{1.0, 2.0}, {3.0, 4.0}}, Points{{0.0, 0.0}, {1.0, 0.0}, {2.0, 0.0}}})
+    {
+        const Outputs outputs = FitPoints(points, 0.0, Zvl::CIRCLE_MZC);
+        ExpectNoCircle(outputs);
+        ExpectNoDistances(outputs);
+        ExpectPoints(outputs.kept, points);
+    }
+}
+
+TEST(FitCircle, FailingMinimumZoneLeavesAllOutputsAsTheyWere)
+{
+    const Points square{{0.0, 0.0}, {2.0, 0.0}, {2.0, 2.0}, {0.0, 2.0}};
+    const Points unusable{{0.0, 0.0}, {2.0, 0.0}, {2.0, kNull}, {0.0, 2.0}};
+    Outputs outputs;
+    TestSupport::ExpectThrow(STATUS_ABORTED, "Zvl::FitCircle_MIC",
+                             [&] { FitInto(outputs, square.data(), square.size(), 0.0, Zvl::CIRCLE_MZC); });
+    ExpectUntouched(outputs);
+    TestSupport::ExpectThrow(STATUS_BAD_DATA, "Zvl::FitCircle_MIC",
+                             [&] { FitInto(outputs, unusable.data(), unusable.size(), 0.0, Zvl::CIRCLE_MZC); });
+    ExpectUntouched(outputs);
 }
 
 TEST(FitCircle, FailingFitLeavesAllOutputsAsTheyWere)
