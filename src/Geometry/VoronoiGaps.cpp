@@ -3,6 +3,7 @@
 #include "Common/Check.h"
 #include "Geometry/VoronoiCells.h"
 
+#include <cmath>
 #include <optional>
 
 namespace Zvl
@@ -77,6 +78,10 @@ private:
         if (meets || !IsOnBorder(end))
         {
             return true;
+        }
+        if (std::isnan(target.x) || std::isnan(target.y))
+        {
+            return false; // no end would ever meet it
         }
         if (end.x == target.x || end.y == target.y)
         {

@@ -102,7 +102,7 @@ VoronoiEdge* VoronoiSweep::NewEdge(VoronoiSite* first, VoronoiSite* second)
     const double dx = second->p.x - first->p.x;
     const double dy = second->p.y - first->p.y;
     const double c = dx * (first->p.x + dx * 0.5) + dy * (first->p.y + dy * 0.5);
-    const bool isSteep = dx * dx > dy * dy;
+    const bool isSteep = dx * dx > dy * dy || dy == 0.0; // squares of the smallest numbers vanish
     edge->line = isSteep ? VoronoiLine{1.0, dy / dx} : VoronoiLine{dx / dy, 1.0};
     edge->c = c / (isSteep ? dx : dy);
     return edge;

@@ -322,6 +322,23 @@ TEST(Voronoi, WildCoordinatesNeitherCrashNorHang)
     EXPECT_GT(built, 1000U);
 }
 
+// The square of the distance of the first and the fourth site is 0, though they are not the same.
+TEST(Voronoi, SitesWhoseSquaredDistanceVanishesHaveAnUprightEdge)
+{
+    Diagram diagram({{0x1p-1022, 0.0}, {15.9375, 24.0}, {-0.0625, 0.0}, {0.0, 0.0}, {0.0, 1.96875}});
+    EXPECT_EQ(diagram.Sites().size(), 5U);
+    const VoronoiGraphEdge* edge = diagram.Sites()[1].edges; // of (0, 0)
+    while (edge != nullptr && edge->neighbor != &diagram.Sites()[2])
+    {
+        edge = edge->next;
+    }
+    ASSERT_NE(edge, nullptr);
+    EXPECT_EQ(edge->pos[0].x, 0.0);
+    EXPECT_EQ(edge->pos[1].x, 0.0);
+    EXPECT_EQ(std::min(edge->pos[0].y, edge->pos[1].y), -10.0);
+    EXPECT_EQ(std::max(edge->pos[0].y, edge->pos[1].y), 0.984375); // half way to (0, 1.96875)
+}
+
 /** An allocator that counts, and that fails from one allocation on. */
 struct CountingHeap
 {
