@@ -74,7 +74,7 @@ void AverageLine(const std::int16_t* in, std::int16_t* out, const Lines& lines, 
 
 void AverageLines(const std::int16_t* in, std::int16_t* out, const Lines& lines, std::uint32_t window, bool keepNulls)
 {
-    for (std::size_t line = 0; line < lines.count; ++line)
+    for (std::size_t line = 0; line < lines.count && lines.length != 0; ++line)
     {
         AverageLine(in + line * lines.step, out + line * lines.step, lines, window, keepNulls);
     }

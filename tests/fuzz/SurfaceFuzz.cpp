@@ -59,7 +59,7 @@ void Decimate(Bytes& bytes, const Surface& surface)
     SurfaceDecimate(surface, size, {bytes.Double(), bytes.Double()}, nullptr);
 }
 
-/** Grids are kept small: a union may be as large as the offsets are apart. */
+/** Grids are kept small: a union, and with a negative scale an intersection, is as large as the offsets are apart. */
 void Combine(Bytes& bytes, const Surface& surface)
 {
     Surface first = surface;
@@ -67,8 +67,12 @@ void Combine(Bytes& bytes, const Surface& surface)
     const auto isNear = [](double a, double b, double scale) { return !(std::abs(a - b) > 1000.0 * std::abs(scale)); };
     const bool isSmall = isNear(first.offset.x, second.offset.x, first.scale.x) &&
                          isNear(first.offset.y, second.offset.y, first.scale.y);
+    if (!isSmall)
+    {
+        return;
+    }
     const auto op = static_cast<ArithmeticOperator>(bytes.Int(-1, 3));
-    const auto logic = static_cast<ArithmeticLogic>(isSmall ? bytes.Int(-1, 2) : 0);
+    const auto logic = static_cast<ArithmeticLogic>(bytes.Int(-1, 2));
     Surface result;
     if (bytes.Flag())
     {
