@@ -1,6 +1,6 @@
 #include "measure_bore/Features.h"
 
-#include "measure_bore/EdgeSearch.h"
+#include "support/EdgeSearch.h"
 #include "support/PlaneDistance.h"
 #include "support/Stopwatch.h"
 
@@ -55,6 +55,19 @@ std::optional<double> MeanIntensity(const Zvl::Surface& surface, Zvl::ROI& regio
         return std::nullopt;
     }
     return std::accumulate(intensities.begin(), intensities.end(), 0.0) / static_cast<double>(intensities.size());
+}
+
+/** World points half-way between the last clear and the first set cell, since the edge is that of a wall. */
+std::vector<qPoint64f> EdgePoints(Zvl::ROI& ring, const Zvl::Surface& surface)
+{
+    const std::vector<Examples::EdgeStep> steps = Examples::FindInnerEdge(ring, surface);
+    std::vector<qPoint64f> points;
+    points.reserve(steps.size());
+    for (const Examples::EdgeStep& step : steps)
+    {
+        points.push_back(Examples::PointOn(surface, step, 0.5));
+    }
+    return points;
 }
 
 /** Heights at which the plate is found anywhere in @p region, which is tilted like the plate. */
@@ -126,7 +139,7 @@ MeasuredCircle MeasureCircle(const Zvl::Surface& surface, Zvl::ROI& region, cons
 
     const HeightLimits limits = PlateHeights(region, plate, depth);
     Zvl::ThresholdHeight(surface, limits.low, limits.high, region);
-    const std::vector<qPoint64f> edge = FindInnerEdge(region, surface);
+    const std::vector<qPoint64f> edge = EdgePoints(region, surface);
     Zvl::FitCircle(edge.data(), edge.size(), 10.0, Zvl::CIRCLE_LSC, &result.center, &result.radius, nullptr, nullptr,
                    nullptr, nullptr, nullptr, &result.kept, &result.rejected);
     if (result.radius == Zvl::GetNull<double>())

@@ -179,7 +179,7 @@ Zvl::Surface SimulateScan(const PlateDrawing& drawing, const PlatePose& pose)
             const double count = std::clamp(std::round((sample.height - offset.z) / kCount), -32767.0, 32767.0);
             heights[column] = sample.isSeen ? static_cast<short>(count) : Zvl::GetNull<short>();
             intensities[column] =
-                sample.isSeen ? static_cast<unsigned char>(std::clamp(sample.intensity, 1.0, 255.0)) : 0;
+                static_cast<unsigned char>(sample.isSeen ? std::clamp(sample.intensity, 1.0, 255.0) : 0.0);
         }
     }
     return scan;

@@ -2,12 +2,12 @@
 // simulates the scan of a plate, whose values are known; with --map it measures what it finds in the given map.
 
 #include "measure_bore/Features.h"
-#include "measure_bore/Recess.h"
 #include "measure_bore/Report.h"
 #include "measure_bore/SimulatedPlate.h"
 #include "support/HeightMap.h"
 #include "support/PlaneDistance.h"
 #include "support/Program.h"
+#include "support/Recess.h"
 #include "support/Stopwatch.h"
 #include "support/Text.h"
 
@@ -27,15 +27,15 @@ constexpr double kPi = 3.141592653589793;
 // ---------------------------------------------------------------------------------------------------------
 // A plate whose drawing is known
 
-double Away(const Recess& recess, const qPoint64f& place)
+double Away(const Examples::Recess& recess, const qPoint64f& place)
 {
     return std::hypot(recess.center.x - place.x, recess.center.y - place.y);
 }
 
-const Recess& Nearest(const std::vector<Recess>& recesses, const qPoint64f& place)
+const Examples::Recess& Nearest(const std::vector<Examples::Recess>& recesses, const qPoint64f& place)
 {
     const auto nearest = std::min_element(recesses.begin(), recesses.end(),
-                                          [&](const Recess& left, const Recess& right)
+                                          [&](const Examples::Recess& left, const Examples::Recess& right)
                                           { return Away(left, place) < Away(right, place); });
     if (nearest == recesses.end() || Away(*nearest, place) > 4.0)
     {
@@ -45,7 +45,7 @@ const Recess& Nearest(const std::vector<Recess>& recesses, const qPoint64f& plac
 }
 
 /** The displacement that brings the two recesses of the drawing to where they were found. */
-Zvl::Anchor Locate(const PlateDrawing& drawing, const std::vector<Recess>& recesses)
+Zvl::Anchor Locate(const PlateDrawing& drawing, const std::vector<Examples::Recess>& recesses)
 {
     const qPoint64f bore = Nearest(recesses, drawing.bore).center;
     const qPoint64f seat = Nearest(recesses, drawing.seat).center;
@@ -82,7 +82,7 @@ Measurement MeasureSimulatedPlate(const PlateDrawing& drawing, const PlatePose& 
     const Examples::Stopwatch search;
     const auto drawnFace = FaceRegion(drawing, 3.0, frame);
     const qPlane3d64f roughFace = MeasurePlane(scan, *drawnFace, faceHeights, faceShare).plane;
-    const Zvl::Anchor anchor = Locate(drawing, FindRecesses(scan, roughFace, 0.3, 0.002));
+    const Zvl::Anchor anchor = Locate(drawing, Examples::FindRecesses(scan, roughFace, 0.3, 0.002));
     result.anchor = anchor;
     result.searchMilliseconds = search.Milliseconds();
 
@@ -105,7 +105,7 @@ Measurement MeasureSimulatedPlate(const PlateDrawing& drawing, const PlatePose& 
 // A map of which nothing is known
 
 /** A sphere where the bottom of the recess was seen and one can be fitted. */
-std::optional<MeasuredSphere> TrySphere(const Zvl::Surface& surface, const Recess& recess, const Frame& frame)
+std::optional<MeasuredSphere> TrySphere(const Zvl::Surface& surface, const Examples::Recess& recess, const Frame& frame)
 {
     if (recess.missingShare > 0.3)
     {
@@ -121,7 +121,7 @@ std::optional<MeasuredSphere> TrySphere(const Zvl::Surface& surface, const Reces
     }
 }
 
-void MeasureRecess(const Recess& recess, double depth, const Frame& frame, Measurement* result)
+void MeasureRecess(const Examples::Recess& recess, double depth, const Frame& frame, Measurement* result)
 {
     try
     {
@@ -154,10 +154,10 @@ Measurement MeasureGivenMap(const Examples::Options::MapFiles& files)
     // Deeper than the face is uneven, round, and no speck: that is taken for a bore.
     const Examples::Stopwatch search;
     const double depth = result.plane.flatness;
-    const std::vector<Recess> recesses = FindRecesses(map, result.plane.plane, depth, 0.001);
+    const std::vector<Examples::Recess> recesses = Examples::FindRecesses(map, result.plane.plane, depth, 0.001);
     result.searchMilliseconds = search.Milliseconds();
-    const auto round =
-        std::find_if(recesses.begin(), recesses.end(), [](const Recess& recess) { return recess.roundness > 0.75; });
+    const auto round = std::find_if(recesses.begin(), recesses.end(),
+                                    [](const Examples::Recess& recess) { return recess.roundness > 0.75; });
     if (round == recesses.end())
     {
         result.remark = "no round recess found, so no circle is fitted";

@@ -63,6 +63,25 @@ double Bowl(int row, int column)
     return std::min(0.0, 9.0 - std::sqrt(std::max(0.0, 100.0 - away * away))) + Grain(row, column);
 }
 
+/** A funnel of slope 1/2 whose rim, of radius 5 mm, has three lobes of 0.2 mm to both sides. */
+double Funnel(int row, int column)
+{
+    const double angle = std::atan2(row - kMiddleRow, column - kMiddleColumn);
+    return std::min(0.0, 0.5 * (FromMiddle(row, column) - 5.0 - 0.2 * std::cos(3.0 * angle))) + Grain(row, column);
+}
+
+/** A hole of 9 by 9 cells, whose edge is four straight lines. */
+double SquareHole(int row, int column)
+{
+    return std::max(std::abs(row - kMiddleRow), std::abs(column - kMiddleColumn)) < 5 ? kMissing : Grain(row, column);
+}
+
+/** A hole whose edge is the same in all four quarters, about the corner of a cell. */
+double SmallHole(int row, int column)
+{
+    return std::hypot(row - kMiddleRow - 0.5, column - kMiddleColumn - 0.5) < 4.5 ? kMissing : Grain(row, column);
+}
+
 double Grooves(int row, int column)
 {
     const bool isGroove = column % 120 >= 60 && column % 120 < 80 && row > 5 && row < 195;
@@ -133,6 +152,9 @@ void WritePictures(const std::filesystem::path& folder)
 {
     cv::imwrite(folder / "hole.png", Map(Hole));
     cv::imwrite(folder / "bowl.png", Map(Bowl));
+    cv::imwrite(folder / "funnel.png", Map(Funnel));
+    cv::imwrite(folder / "square-hole.png", Map(SquareHole));
+    cv::imwrite(folder / "small-hole.png", Map(SmallHole));
     cv::imwrite(folder / "grooves.png", Map(Grooves));
     cv::imwrite(folder / "half-groove.png", Map(HalfGroove));
     cv::imwrite(folder / "torn-groove.png", Map(TornGroove));

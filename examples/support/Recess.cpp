@@ -1,4 +1,4 @@
-#include "measure_bore/Recess.h"
+#include "support/Recess.h"
 
 #include "support/HeightMap.h"
 #include "support/PlaneDistance.h"
@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace MeasureBore
+namespace Examples
 {
 namespace
 {
@@ -17,15 +17,15 @@ constexpr double kPi = 3.141592653589793;
 
 cv::Mat DeepCells(const Zvl::Surface& surface, const qPlane3d64f& plane, double depth)
 {
-    cv::Mat deep(static_cast<int>(Examples::Rows(surface)), static_cast<int>(Examples::Columns(surface)), CV_8UC1);
-    for (std::size_t row = 0; row < Examples::Rows(surface); ++row)
+    cv::Mat deep(static_cast<int>(Rows(surface)), static_cast<int>(Columns(surface)), CV_8UC1);
+    for (std::size_t row = 0; row < Rows(surface); ++row)
     {
-        const short* heights = Examples::HeightRow(surface, row);
+        const short* heights = HeightRow(surface, row);
         auto* isDeep = deep.ptr<unsigned char>(static_cast<int>(row));
-        for (std::size_t column = 0; column < Examples::Columns(surface); ++column)
+        for (std::size_t column = 0; column < Columns(surface); ++column)
         {
-            isDeep[column] = Examples::IsMissing(heights[column]) ||
-                             Examples::PlaneDistance(plane, Examples::WorldPoint(surface, row, column)) < -depth;
+            isDeep[column] =
+                IsMissing(heights[column]) || PlaneDistance(plane, WorldPoint(surface, row, column)) < -depth;
         }
     }
     return deep;
@@ -42,10 +42,10 @@ struct MissingCount
         int missing = 0;
         for (int row = box.y; row < box.y + box.height; ++row)
         {
-            const short* heights = Examples::HeightRow(surface, static_cast<std::size_t>(row));
+            const short* heights = HeightRow(surface, static_cast<std::size_t>(row));
             for (int column = box.x; column < box.x + box.width; ++column)
             {
-                missing += labels.at<int>(row, column) == label && Examples::IsMissing(heights[column]) ? 1 : 0;
+                missing += labels.at<int>(row, column) == label && IsMissing(heights[column]) ? 1 : 0;
             }
         }
         return missing;
@@ -92,4 +92,4 @@ std::vector<Recess> FindRecesses(const Zvl::Surface& surface, const qPlane3d64f&
     return recesses;
 }
 
-} // namespace MeasureBore
+} // namespace Examples

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace MeasureBore
+namespace Examples
 {
 
 /** A connected place where the surface lies deeper than a plane, or has no heights: a hole, a bowl, a groove. */
@@ -23,4 +23,4 @@ struct Recess
 std::vector<Recess> FindRecesses(const Zvl::Surface& surface, const qPlane3d64f& plane, double depth,
                                  double smallestShare);
 
-} // namespace MeasureBore
+} // namespace Examples

@@ -1,9 +1,9 @@
-#include "measure_bore/EdgeSearch.h"
+#include "support/EdgeSearch.h"
 
 #include <cmath>
 #include <optional>
 
-namespace MeasureBore
+namespace Examples
 {
 namespace
 {
@@ -58,27 +58,25 @@ std::optional<Cell> FirstSetCell(const Mask& mask, const Cell& start, const Cell
 class Search
 {
 public:
-    Search(Zvl::ROI& ring, const Zvl::Surface& scanned) : mask(ring), surface(scanned) {}
+    explicit Search(Zvl::ROI& ring) : mask(ring) {}
 
     void From(const Cell& start, const Cell& step)
     {
         if (const std::optional<Cell> hit = FirstSetCell(mask, start, step))
         {
-            points.push_back({surface.offset.x + (hit->column - 0.5 * step.column) * surface.scale.x,
-                              surface.offset.y + (hit->row - 0.5 * step.row) * surface.scale.y});
+            steps.push_back({hit->column, hit->row, step.column, step.row});
         }
     }
 
-    std::vector<qPoint64f> points;
+    std::vector<EdgeStep> steps;
 
 private:
     Mask mask;
-    const Zvl::Surface& surface;
 };
 
 } // namespace
 
-std::vector<qPoint64f> FindInnerEdge(Zvl::ROI& ring, const Zvl::Surface& surface)
+std::vector<EdgeStep> FindInnerEdge(Zvl::ROI& ring, const Zvl::Surface& surface)
 {
     if (ring.GetMask() == nullptr)
     {
@@ -92,7 +90,7 @@ std::vector<qPoint64f> FindInnerEdge(Zvl::ROI& ring, const Zvl::Surface& surface
     const int reachX = static_cast<int>(0.3 * extent.width / surface.scale.x);
     const int reachY = static_cast<int>(0.3 * extent.height / surface.scale.y);
 
-    Search search(ring, surface);
+    Search search(ring);
     for (int row = center.row - reachY; row <= center.row + reachY; ++row)
     {
         search.From({center.column, row}, {1, 0});
@@ -103,7 +101,13 @@ std::vector<qPoint64f> FindInnerEdge(Zvl::ROI& ring, const Zvl::Surface& surface
         search.From({column, center.row}, {0, 1});
         search.From({column, center.row}, {0, -1});
     }
-    return search.points;
+    return search.steps;
 }
 
-} // namespace MeasureBore
+qPoint64f PointOn(const Zvl::Surface& surface, const EdgeStep& step, double share)
+{
+    return {surface.offset.x + (step.column - share * step.columnStep) * surface.scale.x,
+            surface.offset.y + (step.row - share * step.rowStep) * surface.scale.y};
+}
+
+} // namespace Examples
