@@ -148,7 +148,10 @@ enum CircleType : std::int32_t
  *  points on the smallest circle around all and on the largest empty circle centred in the convex hull, a vertex
  *  of the Voronoi diagram, and falls back on the narrower of the zones about their centres. On round parts the
  *  result is as a rule the narrowest zone that there is; for points scattered all over a region it need not be.
- *  Lengths within 1.2e-7 count as equal, which suits coordinates in millimetres.
+ *  Lengths within 1.2e-7 count as equal, which suits coordinates in millimetres. The smallest circle is sought with
+ *  its centre strictly between others in x and in y, which fails where points have the very same x or y, as those on
+ *  the rows and columns of a map do: the zone may then be wrong, with an inner radius above the outer one, or the
+ *  call throw. Turn such points by an odd angle first, and turn the centre back.
  *
  *  @param points the points; null counts as no points at all, whatever @p count says
  *  @param count number of points
