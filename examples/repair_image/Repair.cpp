@@ -27,12 +27,12 @@ double InpaintCells(cv::Mat image, cv::Mat holes, Zvl::InpaintMethod method)
     return stopwatch.Milliseconds();
 }
 
-Repair Inpaint(const Specimen& specimen, const std::string& name, Zvl::InpaintMethod method)
+Repair Inpaint(const DamagedSurface& piece, const std::string& name, Zvl::InpaintMethod method)
 {
-    Repair repair{name, Copy(specimen.damaged), 0.0, {}, {}, {}};
-    const cv::Mat holes = Examples::MissingCells(specimen.damaged);
+    Repair repair{name, Copy(piece.damaged), 0.0, {}, {}, {}};
+    const cv::Mat holes = Examples::MissingCells(piece.damaged);
     repair.heightMilliseconds = InpaintCells(HeightImage(repair.surface), holes, method);
-    if (HasIntensities(specimen.damaged))
+    if (HasIntensities(piece.damaged))
     {
         repair.intensityMilliseconds = InpaintCells(IntensityImage(repair.surface), holes, method);
     }
@@ -40,11 +40,11 @@ Repair Inpaint(const Specimen& specimen, const std::string& name, Zvl::InpaintMe
 }
 
 /** Interpolates heights and intensities from the ends of each gap. */
-Repair FillGaps(const Specimen& specimen)
+Repair FillGaps(const DamagedSurface& piece)
 {
     constexpr double kSteepest = 80.0;
-    const Zvl::Surface& damaged = specimen.damaged;
-    const int longest = std::min(specimen.dropouts.rows, specimen.dropouts.cols) / 4;
+    const Zvl::Surface& damaged = piece.damaged;
+    const int longest = std::min(piece.dropouts.rows, piece.dropouts.cols) / 4;
     const Zvl::SurfaceFillGapParams limits = Examples::GapLimits(damaged, longest, kSteepest);
     Repair repair{"gap filling", damaged, 0.0, {}, {}, {}};
     Zo::Object<void*> intensities = HasIntensities(damaged) ? damaged.layers[1] : Zo::Object<void*>();
@@ -72,25 +72,24 @@ Errors Compare(const cv::Mat& repaired, const cv::Mat& truth, const cv::Mat& dro
     return {cells, count, static_cast<std::size_t>(cv::countNonZero(dropouts)) - count, rms, largest};
 }
 
-Repair WithErrors(Repair repair, const Specimen& specimen)
+Repair WithErrors(Repair repair, const DamagedSurface& piece)
 {
     const cv::Mat open = Examples::MissingCells(repair.surface);
-    repair.heightErrors = Compare(HeightImage(repair.surface), HeightImage(specimen.truth), specimen.dropouts, open);
-    if (HasIntensities(specimen.truth))
+    repair.heightErrors = Compare(HeightImage(repair.surface), HeightImage(piece.truth), piece.dropouts, open);
+    if (HasIntensities(piece.truth))
     {
         repair.intensityErrors =
-            Compare(IntensityImage(repair.surface), IntensityImage(specimen.truth), specimen.dropouts, open);
+            Compare(IntensityImage(repair.surface), IntensityImage(piece.truth), piece.dropouts, open);
     }
     return repair;
 }
 
 } // namespace
 
-std::vector<Repair> RepairAll(const Specimen& specimen)
+std::vector<Repair> RepairAll(const DamagedSurface& piece)
 {
-    return {WithErrors(Inpaint(specimen, "Navier-Stokes", Zvl::CV_INPAINT_NS), specimen),
-            WithErrors(Inpaint(specimen, "Telea", Zvl::CV_INPAINT_TELEA), specimen),
-            WithErrors(FillGaps(specimen), specimen)};
+    return {WithErrors(Inpaint(piece, "Navier-Stokes", Zvl::CV_INPAINT_NS), piece),
+            WithErrors(Inpaint(piece, "Telea", Zvl::CV_INPAINT_TELEA), piece), WithErrors(FillGaps(piece), piece)};
 }
 
 } // namespace RepairImage

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "repair_image/Specimen.h"
+#include "repair_image/DamagedSurface.h"
 
 #include <cstddef>
 #include <optional>
@@ -20,7 +20,7 @@ struct Errors
     double largest;
 };
 
-/** One method's repair of a specimen. */
+/** One method's repair of a piece. */
 struct Repair
 {
     std::string method;
@@ -32,7 +32,7 @@ struct Repair
     std::optional<Errors> intensityErrors;
 };
 
-/** Repairs a specimen with each of the methods: two that continue the image into its holes, and gap filling. */
-std::vector<Repair> RepairAll(const Specimen& specimen);
+/** Repairs a piece with each of the methods: two that continue the image into its holes, and gap filling. */
+std::vector<Repair> RepairAll(const DamagedSurface& piece);
 
 } // namespace RepairImage

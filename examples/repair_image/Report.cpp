@@ -132,23 +132,23 @@ Kind Heights(const Zvl::Surface& truth)
             [](const Repair& repair) -> const Errors& { return repair.heightErrors; }};
 }
 
-/** The specimen and its repairs, and below them the truth and the errors. */
-cv::Mat DrawKind(const Kind& kind, const Specimen& specimen, const std::vector<Repair>& repairs)
+/** The piece and its repairs, and below them the truth and the errors. */
+cv::Mat DrawKind(const Kind& kind, const DamagedSurface& piece, const std::vector<Repair>& repairs)
 {
     double reach = 1.0; // of the colours
     for (const Repair& repair : repairs)
     {
         reach = std::max(reach, 3.0 * kind.errors(repair).rms);
     }
-    cv::Mat damaged = kind.paint(specimen.damaged);
-    damaged.setTo(kDropout, specimen.dropouts);
-    std::vector<cv::Mat> images{Tile(damaged, specimen.truth, specimen.title + ", dropouts in magenta")};
-    std::vector<cv::Mat> errors{Tile(kind.paint(specimen.truth), specimen.truth, "without them")};
+    cv::Mat damaged = kind.paint(piece.damaged);
+    damaged.setTo(kDropout, piece.dropouts);
+    std::vector<cv::Mat> images{Tile(damaged, piece.truth, piece.title + ", dropouts in magenta")};
+    std::vector<cv::Mat> errors{Tile(kind.paint(piece.truth), piece.truth, "without them")};
     for (const Repair& repair : repairs)
     {
         const Errors& found = kind.errors(repair);
-        images.push_back(Tile(kind.paint(repair.surface), specimen.truth, repair.method));
-        errors.push_back(Tile(PaintErrors(found.cells, reach), specimen.truth,
+        images.push_back(Tile(kind.paint(repair.surface), piece.truth, repair.method));
+        errors.push_back(Tile(PaintErrors(found.cells, reach), piece.truth,
                               found.repaired == 0
                                   ? "nothing repaired"
                                   : "error: rms " + kind.text(found.rms) + ", largest " + kind.text(found.largest)));
@@ -165,9 +165,9 @@ cv::Mat DrawKind(const Kind& kind, const Specimen& specimen, const std::vector<R
 
 } // namespace
 
-ResultTable Tabulate(const Specimen& specimen, const std::vector<Repair>& repairs)
+ResultTable Tabulate(const DamagedSurface& piece, const std::vector<Repair>& repairs)
 {
-    const bool isSimulated = specimen.origin == Origin::Simulated;
+    const bool isSimulated = piece.origin == Origin::Simulated;
     const auto expect = [&](double nominal, double tolerance) {
         return isSimulated ? std::optional(Expected{nominal, tolerance}) : std::nullopt;
     };
@@ -180,7 +180,7 @@ ResultTable Tabulate(const Specimen& specimen, const std::vector<Repair>& repair
                    .unit = "%",
                    .measured = 100.0 * repaired / (repaired + open),
                    .expected = expect(100.0, 0.0)});
-        AddErrors(repair.method + ", heights", "mm", repair.heightErrors, specimen.truth.scale.z,
+        AddErrors(repair.method + ", heights", "mm", repair.heightErrors, piece.truth.scale.z,
                   expect(0.0, kHeightTolerance), repair.heightMilliseconds, &table);
         if (repair.intensityErrors)
         {
@@ -191,12 +191,12 @@ ResultTable Tabulate(const Specimen& specimen, const std::vector<Repair>& repair
     return table;
 }
 
-cv::Mat DrawPicture(const Specimen& specimen, const std::vector<Repair>& repairs)
+cv::Mat DrawPicture(const DamagedSurface& piece, const std::vector<Repair>& repairs)
 {
-    std::vector<cv::Mat> kinds{DrawKind(Heights(specimen.truth), specimen, repairs)};
-    if (HasIntensities(specimen.truth))
+    std::vector<cv::Mat> kinds{DrawKind(Heights(piece.truth), piece, repairs)};
+    if (HasIntensities(piece.truth))
     {
-        kinds.push_back(DrawKind(Intensities(), specimen, repairs));
+        kinds.push_back(DrawKind(Intensities(), piece, repairs));
     }
     cv::Mat picture;
     cv::copyMakeBorder(Examples::Tiles(kinds, 1), picture, kMargin, kMargin, kMargin, kMargin, cv::BORDER_CONSTANT,

@@ -10,9 +10,9 @@
 namespace RepairImage
 {
 
-Examples::ResultTable Tabulate(const Specimen& specimen, const std::vector<Repair>& repairs);
+Examples::ResultTable Tabulate(const DamagedSurface& piece, const std::vector<Repair>& repairs);
 
-/** The specimen and its repairs side by side, and below them what each repair is off by. */
-cv::Mat DrawPicture(const Specimen& specimen, const std::vector<Repair>& repairs);
+/** The piece and its repairs side by side, and below them what each repair is off by. */
+cv::Mat DrawPicture(const DamagedSurface& piece, const std::vector<Repair>& repairs);
 
 } // namespace RepairImage

@@ -16,15 +16,16 @@ namespace
 
 bool Measure(const Examples::Options& options)
 {
-    const Specimen specimen = options.map ? CutDropouts(Examples::FileName(options.map->png), Origin::File,
-                                                        Examples::LoadHeightMap(options.map->png, options.map->json))
-                                          : CutDropouts("turned part (simulated)", Origin::Simulated, SimulatedPart());
-    const std::vector<Repair> repairs = RepairAll(specimen);
+    const DamagedSurface piece = options.map
+                                     ? CutDropouts(Examples::FileName(options.map->png), Origin::File,
+                                                   Examples::LoadHeightMap(options.map->png, options.map->json))
+                                     : CutDropouts("turned part (simulated)", Origin::Simulated, SimulatedPart());
+    const std::vector<Repair> repairs = RepairAll(piece);
     return Examples::Conclude(
-        Tabulate(specimen, repairs),
+        Tabulate(piece, repairs),
         "errors are those of the repaired cells among the dropouts that were cut; gap filling leaves open "
         "what is wide, or has heights on one side only",
-        DrawPicture(specimen, repairs), options.output);
+        DrawPicture(piece, repairs), options.output);
 }
 
 } // namespace

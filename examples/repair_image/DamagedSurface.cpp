@@ -1,4 +1,4 @@
-#include "repair_image/Specimen.h"
+#include "repair_image/DamagedSurface.h"
 
 #include "support/HeightMap.h"
 
@@ -55,7 +55,7 @@ cv::Mat DropoutPattern(const cv::Size& size)
 
 } // namespace
 
-Specimen CutDropouts(const std::string& title, Origin origin, const Zvl::Surface& truth)
+DamagedSurface CutDropouts(const std::string& title, Origin origin, const Zvl::Surface& truth)
 {
     const cv::Mat heights = HeightImage(truth);
     if (std::min(heights.rows, heights.cols) < kSmallest)
@@ -68,13 +68,13 @@ Specimen CutDropouts(const std::string& title, Origin origin, const Zvl::Surface
     {
         throw std::runtime_error("the map has no heights where dropouts are cut into it");
     }
-    Specimen specimen{title, origin, truth, Copy(truth), dropouts};
-    HeightImage(specimen.damaged).setTo(Zvl::GetNull<short>(), dropouts);
+    DamagedSurface piece{title, origin, truth, Copy(truth), dropouts};
+    HeightImage(piece.damaged).setTo(Zvl::GetNull<short>(), dropouts);
     if (HasIntensities(truth))
     {
-        IntensityImage(specimen.damaged).setTo(0, dropouts);
+        IntensityImage(piece.damaged).setTo(0, dropouts);
     }
-    return specimen;
+    return piece;
 }
 
 cv::Mat HeightImage(const Zvl::Surface& surface)

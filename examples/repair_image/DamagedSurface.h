@@ -17,7 +17,7 @@ enum class Origin
 };
 
 /** A surface whose dropouts are known, because they were cut into it. */
-struct Specimen
+struct DamagedSurface
 {
     std::string title;
     Origin origin;
@@ -28,7 +28,7 @@ struct Specimen
 
 /** Cuts drops, scratches and single cells out of a surface, the same ones every time, and none at its edge.
  *  @throws std::runtime_error when the surface is too small for that, or has no height where they are cut */
-Specimen CutDropouts(const std::string& title, Origin origin, const Zvl::Surface& truth);
+DamagedSurface CutDropouts(const std::string& title, Origin origin, const Zvl::Surface& truth);
 
 /** The heights of a surface as CV_16SC1. The picture shares its cells with the surface. */
 cv::Mat HeightImage(const Zvl::Surface& surface);
