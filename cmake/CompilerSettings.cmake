@@ -17,6 +17,12 @@ if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
 endif()
 
+# Under the sanitizers and for the linter it is enough to build kernels for two instruction sets.
+option(ZDK_FEW_INSTRUCTION_SETS "Build kernels for AVX2 and for plain x86-64 only" OFF)
+if(ZDK_FEW_INSTRUCTION_SETS)
+    add_compile_definitions(HWY_DISABLED_TARGETS=HWY_AVX3_DL|HWY_AVX3|HWY_SSE4|HWY_SSSE3)
+endif()
+
 # zdk_settings(target): warnings as errors, and results that are the same bits on every machine. Contraction
 # into fused multiply-adds would make them depend on the processor. Source paths in exceptions are relative to
 # the project.
