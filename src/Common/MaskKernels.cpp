@@ -15,7 +15,8 @@ namespace HWY_NAMESPACE
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Bytes = hn::ScalableTag<std::uint8_t>;
+/** At most 32 bytes: these operations wait for memory, and wider stores to it are no faster, on some processors slower. */
+using Bytes = hn::CappedTag<std::uint8_t, 32>;
 using Wide = hn::ScalableTag<std::int16_t>;
 using Narrow = hn::Rebind<std::uint8_t, Wide>; ///< a byte for each lane of Wide
 
