@@ -1,6 +1,7 @@
 #include <ZdkVisionLib/Arithmetic/Arithmetic.h>
 
 #include "Arithmetic/HeightPacking.h"
+#include "Arithmetic/PackingKernels.h"
 #include "Arithmetic/RowKernels.h"
 #include "Arithmetic/SourceStretches.h"
 #include "Common/Check.h"
@@ -70,18 +71,25 @@ struct ResultLayers
     Height* HeightsAt(const SourceStretch& stretch) const { return heights.Row(stretch.row) + stretch.column; }
     std::uint8_t* IntensitiesAt(const SourceStretch& stretch) const
     {
-        return intensities.Row(stretch.row) + stretch.column;
+        return intensities.present ? intensities.Row(stretch.row) + stretch.column : nullptr;
     }
 };
+
+/** Makes layer @p index of @p result an array of the grid's size. */
+template <typename T>
+Cells<T> RemakeLayer(const Task& task, Surface& result, std::size_t index)
+{
+    ZVL_CHECK(task.function, qArray2_Construct(result.layers[index].Slot(), CellType<T>(), task.grid.y.count,
+                                               task.grid.x.count, nullptr));
+    return CellsOf<T>(result.layers[index]);
+}
 
 /** Appends a layer to @p result and makes layer @p index an array of the grid's size. */
 template <typename T>
 Cells<T> AddLayer(const Task& task, Surface& result, std::size_t index)
 {
     result.layers.emplace_back();
-    ZVL_CHECK(task.function, qArray2_Construct(result.layers[index].Slot(), CellType<T>(), task.grid.y.count,
-                                               task.grid.x.count, nullptr));
-    return CellsOf<T>(result.layers[index]);
+    return RemakeLayer<T>(task, result, index);
 }
 
 /** Adds the layers of the result to it. */
@@ -177,6 +185,46 @@ void UniteIntensities(const RowOperation& operation, const SourceStretch& in, st
     }
 }
 
+/** What is done to each pair of cells. */
+struct Combination
+{
+    RowOperation onHeights;
+    RowOperation onIntensities;
+    bool unites;
+
+    /** Without intensities, their output is null. */
+    void Apply(const SourceStretch& in, std::int32_t* heights, std::uint8_t* intensities) const
+    {
+        (unites ? UniteHeights : IntersectHeights)(onHeights, in, heights);
+        if (intensities != nullptr)
+        {
+            (unites ? UniteIntensities : IntersectIntensities)(onIntensities, in, intensities);
+        }
+    }
+};
+
+/** Combines the surfaces as long as all heights fit in 16 bits, which is most often up to the end. Heights are in 32 bits
+ *  for one stretch of a row at a time, so that they stay in the cache. Those that fit keep their frame, and are what
+ *  ConvertSurface32sTo16s() would make of them.
+ *  @return whether all of them fit; otherwise @p out is not complete */
+bool CombineIfFitting(const Task& task, const Combination& combination, const ResultLayers<std::int16_t>& out)
+{
+    Zo::Object<void*> scratch;
+    ZVL_CHECK(task.function, qArray1_Construct(scratch.Slot(), xxq32s_type, ReachableOf(task.grid.x.count), nullptr));
+    auto* const heights = static_cast<std::int32_t*>(qArray1_Data(scratch));
+    HeightRange range = {0, 0}; // which fits, as nulls do
+    ForEachStretchOf(task, out,
+                     [&](const SourceStretch& stretch)
+                     {
+                         if (range.FitsIn16Bits())
+                         {
+                             combination.Apply(stretch, heights, out.IntensitiesAt(stretch));
+                             PackClamped(heights, out.HeightsAt(stretch), stretch.count, range);
+                         }
+                     });
+    return range.FitsIn16Bits();
+}
+
 void MaskHeights(const SourceStretch& in, std::int16_t* out)
 {
     if (in.heights0 != nullptr && in.heights1 != nullptr)
@@ -212,21 +260,18 @@ void Arithmetics::Apply(ArithmeticOperator op, ArithmeticLogic logic, Surface& s
     const std::shared_ptr<ArithmeticsPixelOperation> iOperate = ArithmeticsPixelOperationFactory::Create(op);
     hOperate->SetScale(task.surface0.scale.z);
     hOperate->SetOffsets(task.surface0.offset.z, task.surface1.offset.z);
-    const RowOperation onHeights = {op, *hOperate};
-    const RowOperation onIntensities = {op, *iOperate};
+    const Combination combination = {{op, *hOperate}, {op, *iOperate}, logic == ArithmeticLogic::Union};
 
-    const ResultLayers<std::int32_t> out = AddLayers<std::int32_t>(task, result);
-    const bool unites = logic == ArithmeticLogic::Union;
-    ForEachStretchOf(task, out,
+    const ResultLayers<std::int16_t> out = AddLayers<std::int16_t>(task, result);
+    if (CombineIfFitting(task, combination, out))
+    {
+        result.layers.resize(std::min<std::size_t>(result.layers.size(), 2));
+        return;
+    }
+    const ResultLayers<std::int32_t> wide = {RemakeLayer<std::int32_t>(task, result, 0), out.intensities};
+    ForEachStretchOf(task, wide,
                      [&](const SourceStretch& stretch)
-                     {
-                         (unites ? UniteHeights : IntersectHeights)(onHeights, stretch, out.HeightsAt(stretch));
-                         if (task.hasIntensities)
-                         {
-                             (unites ? UniteIntensities : IntersectIntensities)(onIntensities, stretch,
-                                                                                out.IntensitiesAt(stretch));
-                         }
-                     });
+                     { combination.Apply(stretch, wide.HeightsAt(stretch), wide.IntensitiesAt(stretch)); });
     result = ConvertSurface32sTo16s(result);
 }
 

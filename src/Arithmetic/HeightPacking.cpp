@@ -81,7 +81,7 @@ Surface ConvertSurface32sTo16s(const Surface& surface)
     const Cells<std::int16_t> out = CellsOf<std::int16_t>(surface16.layers[0]);
     const GridSize size = ReachableCells<std::int16_t>(out, GetNull<short>());
     const HeightRange range = PackAsTheyAre(heights, out, size);
-    if (range.minimum >= -32768 && range.maximum <= 32767)
+    if (range.FitsIn16Bits())
     {
         return surface16;
     }

@@ -16,6 +16,8 @@ struct HeightRange
 {
     std::int32_t minimum = std::numeric_limits<std::int32_t>::max();
     std::int32_t maximum = std::numeric_limits<std::int32_t>::min();
+
+    bool FitsIn16Bits() const { return minimum >= -32768 && maximum <= 32767; }
 };
 
 /** From counts of one mapping to counts of another. */

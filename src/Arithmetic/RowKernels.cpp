@@ -2,6 +2,8 @@
 
 #include "Arithmetic/HeightCounts.h"
 
+#include <cmath>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Arithmetic/RowKernels.cpp"
 #include <hwy/foreach_target.h>
@@ -46,6 +48,15 @@ HWY_INLINE CountLanes TruncateLanes(WorldLanes values)
     return hn::DemoteTo(Count(), hn::IfThenElse(fits, values, hn::Set(world, -kCountLimit)));
 }
 
+/** Whether every combination of two heights is a count that fits, which the mapping of all but the strangest surfaces
+ *  tells beforehand. */
+bool AllCountsFit(const ArithmeticsPixelOperation& operation)
+{
+    const double highest =
+        65536.0 * std::abs(operation.zScale) + 2.0 * std::abs(operation.zOffset0) + std::abs(operation.zOffset1);
+    return highest / std::abs(operation.zScale) < kCountLimit / 2.0; // half: far beyond what rounding may add
+}
+
 /** The mapping of both surfaces in each lane. */
 struct FrameLanes
 {
@@ -53,7 +64,8 @@ struct FrameLanes
         : scale(hn::Set(World(), operation.zScale)),
           offset0(hn::Set(World(), operation.zOffset0)),
           offset1(hn::Set(World(), operation.zOffset1)),
-          sameOffset(operation.zOffset0 == operation.zOffset1)
+          sameOffset(operation.zOffset0 == operation.zOffset1),
+          allFit(AllCountsFit(operation))
     {
     }
 
@@ -67,7 +79,11 @@ struct FrameLanes
         return hn::Add(hn::Mul(hn::PromoteTo(World(), heights), scale), offset1);
     }
 
-    HWY_INLINE CountLanes CountsOf(WorldLanes heights) const { return TruncateLanes(hn::Div(heights, scale)); }
+    HWY_INLINE CountLanes CountsOf(WorldLanes heights) const
+    {
+        const WorldLanes counts = hn::Div(heights, scale);
+        return allFit ? hn::DemoteTo(Count(), counts) : TruncateLanes(counts);
+    }
 
     /** As CountInFirstFrame() of one height. */
     HWY_INLINE CountLanes CountsInFirst(CountLanes b) const
@@ -79,6 +95,7 @@ struct FrameLanes
     WorldLanes offset0;
     WorldLanes offset1;
     bool sameOffset;
+    bool allFit;
 };
 
 // The formulas round after each step, as those on single cells do; there is no fused multiplication and addition.

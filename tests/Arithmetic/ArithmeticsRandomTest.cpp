@@ -72,7 +72,10 @@ struct Pair
         surface1.offset = surface0.offset;
         surface1.offset.x += Distance(random) * surface0.scale.x;
         surface1.offset.y += Distance(random) * surface0.scale.y / 4.0;
-        surface1.offset.z += Pick({0.0, 0.0, 5.0, -40000.0 * surface0.scale.z, 1e9, 1e12}, random);
+        // From 2^30 counts on they are looked at one by one, and from 2^31 on some do not fit.
+        surface1.offset.z += Pick({0.0, 0.0, 5.0, -40000.0 * surface0.scale.z, (0x1p30 - 70000.0) * surface0.scale.z,
+                                   -0x1p30 * surface0.scale.z, 0x1p31 * surface0.scale.z, 1e9, 1e12},
+                                  random);
     }
 
     static double Distance(std::mt19937& random)

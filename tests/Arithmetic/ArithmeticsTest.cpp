@@ -481,6 +481,26 @@ TEST(Arithmetics, AScaleThatMeasuresNothingLosesHeightsOnly)
     }
 }
 
+TEST(Arithmetics, HeightsThatDoNotFitInTheLastRowShiftThoseOfAllRows)
+{
+    Heights heights(3 * 40, 20000);
+    heights.back() = 32767;
+    const Surface a = MakeSurface(3, 40, heights);
+    const Surface result = Apply(kAdd, kIntersection, a, a);
+    // From 40000 to 65534 counts: the middle is 52767.
+    Heights expected(3 * 40, 40000 - 52767);
+    expected.back() = 65534 - 52767;
+    EXPECT_EQ(HeightsOf(result), expected);
+    EXPECT_EQ(result.offset.z, 52767.0);
+
+    heights.assign(3 * 40, 1);
+    heights.back() = 32767;
+    const Surface b = MakeSurface(3, 40, heights);
+    expected.assign(3 * 40, 2 - 32768);
+    expected.back() = 65534 - 32768;
+    EXPECT_EQ(HeightsOf(Apply(kAdd, kUnion, b, b)), expected);
+}
+
 TEST(Arithmetics, AHugeUnionIsRefusedAtOnce)
 {
     const Surface a = MakeSurface(1, 1, {1});
@@ -492,7 +512,7 @@ TEST(Arithmetics, AHugeUnionIsRefusedAtOnce)
 
 TEST(Arithmetics, ExhaustedMemoryIsThrownWithTheLayersMadeSoFar)
 {
-    Surface a = BrightRow({1, 2}, {3, 4});
+    Surface a = BrightRow({1, 32767}, {3, 4});
     Surface b = BrightRow({5, 6}, {7, 8});
     for (const auto mode : {TestSupport::Failing::FromNthOn, TestSupport::Failing::OnlyNth})
     {
@@ -504,7 +524,7 @@ TEST(Arithmetics, ExhaustedMemoryIsThrownWithTheLayersMadeSoFar)
                           Arithmetics::Apply(kAdd, kUnion, a, b, result);
                       },
                       mode),
-                  3U);
+                  5U);
         EXPECT_GE(TestSupport::ExpectEachFailureThrown(
                       kApplyMask,
                       [&]
@@ -519,7 +539,7 @@ TEST(Arithmetics, ExhaustedMemoryIsThrownWithTheLayersMadeSoFar)
 
 TEST(Arithmetics, AfterAFailureTheResultHoldsWhatWasMade)
 {
-    Surface a = BrightRow({1, 2}, {3, 4});
+    Surface a = BrightRow({1, 32767}, {3, 4});
     Surface b = BrightRow({5, 6}, {7, 8});
     TestSupport::FailingAllocator allocator;
     allocator.MakeDefault();
@@ -543,7 +563,7 @@ TEST(Arithmetics, AfterAFailureTheResultHoldsWhatWasMade)
                     [&] { Arithmetics::Apply(kAdd, kUnion, a, b, result); });
         ASSERT_EQ(result.layers.size(), 2U);
         EXPECT_EQ(qArray2_Type(result.layers[0]), xxq32s_type);
-        EXPECT_EQ(*static_cast<const std::int32_t*>(qArray2_At(result.layers[0], 0, 1)), 8);
+        EXPECT_EQ(*static_cast<const std::int32_t*>(qArray2_At(result.layers[0], 0, 1)), 32773);
         EXPECT_EQ(IntensitiesOf(result), (Intensities{10, 12}));
     }
     EXPECT_EQ(allocator.LiveBlocks(), 0U);

@@ -142,8 +142,8 @@ public:
      *     cannot be made, as for footprints that do not meet and therefore have an intersection of negative size
      *
      *  After a failure @p result has the scale and offset of @p surface0, with the grid's x and y once that is known,
-     *  and the layers made so far; a first layer that was not packed yet is q32s. Time and memory are linear in the
-     *  cells. */
+     *  and the layers made so far; a first layer that was not packed yet is q32s. Time is linear in the cells. Memory
+     *  beyond the result is a row of 32-bit heights, and a whole layer of them when they do not fit in 16 bits. */
     static void Apply(ArithmeticOperator op, ArithmeticLogic logic, Surface& surface0, Surface& surface1,
                       Surface& result);
 
