@@ -1,4 +1,3 @@
-#include "Filter/SurfaceFillGapMissing.h"
 #include "Filter/SurfaceFillGapSteps.h"
 
 #include <algorithm>
@@ -123,7 +122,10 @@ public:
     {
         for (std::int64_t row = 0; row < rows; ++row)
         {
-            map.CopyRow(static_cast<std::size_t>(row));
+            if (!map.CopyRow(static_cast<std::size_t>(row)))
+            {
+                continue;
+            }
             ForEachMissingRun(map.heights.in + row * columns, map.columns,
                               [&](std::size_t begin, std::size_t end) {
                                   FillRun(row, {static_cast<std::int64_t>(begin) - 1, static_cast<std::int64_t>(end)});

@@ -1,4 +1,3 @@
-#include "Filter/SurfaceFillGapMissing.h"
 #include "Filter/SurfaceFillGapSteps.h"
 
 #include <cstdlib>
@@ -88,7 +87,10 @@ void FillGapRows(const GapMap& map, const GapLimit& limit)
 {
     for (std::size_t row = 0; row < map.rows; ++row)
     {
-        map.CopyRow(row);
+        if (!map.CopyRow(row))
+        {
+            continue;
+        }
         const std::size_t first = row * map.columns;
         ForEachMissingRun(map.heights.in + first, map.columns,
                           [&](std::size_t begin, std::size_t end)
@@ -119,16 +121,18 @@ void FillGapColumns(const GapMap& map, const GapLimit& limit)
             Close(map, {above, cell, map.columns, run + 1}, limit.slope);
         }
     };
+    bool isMissingAbove = false;
     for (std::size_t row = 0; row < map.rows; ++row)
     {
-        map.CopyRow(row);
-        if (row > 0)
+        const bool isMissing = map.CopyRow(row);
+        if (isMissingAbove)
         {
             const std::size_t above = (row - 1) * map.columns;
             ForEachMarkWord(map.heights.in + above, map.columns,
                             [&](std::uint64_t missing, std::size_t column)
                             { ForEachSetBit(missing, above + column, closeAbove); });
         }
+        isMissingAbove = isMissing;
     }
 }
 

@@ -73,6 +73,35 @@ void MarkMissingIn(const std::int16_t* cells, std::size_t count, std::uint64_t* 
     }
 }
 
+/** One vector's copy at a time, four of them together so that looking costs nothing beside the copying. */
+bool CopyAndLookIn(const std::int16_t* in, std::int16_t* out, std::size_t count)
+{
+    // At most 32 bytes: copying waits for memory, and wider stores are no faster, on some processors slower.
+    const hn::CappedTag<std::int16_t, 16> wide;
+    const std::size_t lanes = hn::Lanes(wide);
+    auto lowest = hn::Set(wide, std::numeric_limits<std::int16_t>::max());
+    std::size_t i = 0;
+    for (; i + 4 * lanes <= count; i += 4 * lanes)
+    {
+        const auto first = hn::LoadU(wide, in + i);
+        const auto second = hn::LoadU(wide, in + i + lanes);
+        const auto third = hn::LoadU(wide, in + i + 2 * lanes);
+        const auto fourth = hn::LoadU(wide, in + i + 3 * lanes);
+        hn::StoreU(first, wide, out + i);
+        hn::StoreU(second, wide, out + i + lanes);
+        hn::StoreU(third, wide, out + i + 2 * lanes);
+        hn::StoreU(fourth, wide, out + i + 3 * lanes);
+        lowest = hn::Min(lowest, hn::Min(hn::Min(first, second), hn::Min(third, fourth)));
+    }
+    bool found = !hn::AllFalse(wide, hn::Eq(lowest, hn::Set(wide, GetNull<short>())));
+    for (; i < count; ++i)
+    {
+        out[i] = in[i];
+        found = found || in[i] == GetNull<short>();
+    }
+    return found;
+}
+
 } // namespace HWY_NAMESPACE
 } // namespace Zvl
 HWY_AFTER_NAMESPACE();
@@ -82,10 +111,16 @@ namespace Zvl
 {
 
 HWY_EXPORT(MarkMissingIn);
+HWY_EXPORT(CopyAndLookIn);
 
 void MarkMissing(const std::int16_t* cells, std::size_t count, std::uint64_t* words)
 {
     HWY_DYNAMIC_DISPATCH(MarkMissingIn)(cells, count, words);
+}
+
+bool CopyAndLook(const std::int16_t* in, std::int16_t* out, std::size_t count)
+{
+    return HWY_DYNAMIC_DISPATCH(CopyAndLookIn)(in, out, count);
 }
 
 } // namespace Zvl

@@ -5,6 +5,7 @@
  *  gaps in it, so that it comes from memory only once. */
 
 #include "Common/Cells.h"
+#include "Filter/SurfaceFillGapMissing.h"
 
 #include <algorithm>
 
@@ -35,15 +36,16 @@ struct GapMap
     FilledLayer<std::uint8_t> intensities;
     bool fillHigh;
 
-    /** The cells of a row as they are. */
-    void CopyRow(std::size_t row) const
+    /** Copies the cells of a row as they are.
+     *  @return whether a height of it is missing */
+    bool CopyRow(std::size_t row) const
     {
         const std::size_t first = row * columns;
-        std::copy_n(heights.in + first, columns, heights.out + first);
         if (intensities.in != nullptr)
         {
             std::copy_n(intensities.in + first, columns, intensities.out + first);
         }
+        return CopyAndLook(heights.in + first, heights.out + first, columns);
     }
 };
 
