@@ -32,3 +32,16 @@ function(zdk_settings target)
         -ffp-contract=off
         -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 endfunction()
+
+# zdk_harden(target objects): what a library in a long-running process should have at hand against its own mistakes: checked
+# copies, guarded stacks and tables of addresses that are read-only once loaded.
+include(CheckCXXCompilerFlag)
+check_cxx_compiler_flag(-fcf-protection ZDK_HAS_BRANCH_PROTECTION) # on x86 alone
+function(zdk_harden library objects)
+    if(CMAKE_BUILD_TYPE STREQUAL "Release")
+        target_compile_options(${objects} PRIVATE
+            -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -fstack-protector-strong -fstack-clash-protection
+            $<$<BOOL:${ZDK_HAS_BRANCH_PROTECTION}>:-fcf-protection>)
+    endif()
+    target_link_options(${library} PRIVATE LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
+endfunction()
