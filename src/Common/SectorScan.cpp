@@ -25,7 +25,7 @@ public:
 
 private:
     const AnnularSector2d<double>& sector;
-    SectorAngles angles;
+    SectorDirections angles;
 };
 
 /** The point test of an elliptical sector. */
@@ -44,7 +44,7 @@ public:
 
 private:
     const EllipticalSector2d<double>& sector;
-    SectorAngles angles;
+    SectorDirections angles;
     double cosine;
     double sine;
 };
@@ -56,7 +56,8 @@ public:
     Columns(const SectorScanReceiver& receiver, double centerX)
         : positions(AccumulatedPositions(receiver.boundingBox->x * receiver.scale->x + receiver.offset->x,
                                          receiver.scale->x, static_cast<std::size_t>(receiver.boundingBox->width))),
-          step(receiver.scale->x)
+          step(receiver.scale->x),
+          columnsPerUnit(1.0 / step)
     {
         fromCenter.reserve(positions.size());
         for (const double x : positions)
@@ -81,7 +82,7 @@ public:
     /** The first column at @p distance from the centre or right of it: a guess, and a walk to where it is true. */
     int FirstFrom(double distance) const
     {
-        int column = std::clamp(TruncateToInt((distance - fromCenter.front()) / step), 0, Count());
+        int column = std::clamp(TruncateToInt((distance - fromCenter.front()) * columnsPerUnit), 0, Count());
         while (column > 0 && fromCenter[static_cast<std::size_t>(column) - 1] >= distance)
         {
             --column;
@@ -97,6 +98,7 @@ private:
     std::vector<double> positions;
     std::vector<double> fromCenter;
     double step;
+    double columnsPerUnit;
 };
 
 /** Fills rows by the test @p Test, with as few tests as the outline allows. */

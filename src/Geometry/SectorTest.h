@@ -62,9 +62,57 @@ inline bool AngleIsInSector(double y, double x, double startAngle, double angleS
     return AngleIsInSector(NormalizeSectorAngles(startAngle, angleSpan), y, x);
 }
 
-/** @param angles of @p sector */
-inline bool PointIsInAnnularSector(const AnnularSector2d<double>& sector, const SectorAngles& angles, double x,
-                                   double y)
+/** A range of angles that many directions are tested against. Most lie clearly left or right of both ends, which the cross
+ *  products with them tell; only those in doubt are measured. */
+class SectorDirections
+{
+public:
+    explicit SectorDirections(const SectorAngles& range)
+        : angles(range),
+          isWide(range.end - range.start > 180.0),
+          start(DirectionOf(range.start)),
+          end(DirectionOf(range.end))
+    {
+    }
+
+    /** As AngleIsInSector(). */
+    bool Contain(double y, double x) const
+    {
+        if (angles.whole)
+        {
+            return true;
+        }
+        const double fromStart = start.x * y - start.y * x; // the sine of the angle between, times the length
+        const double toEnd = x * end.y - y * end.x;
+        const double margin = kMargin * (std::fabs(x) + std::fabs(y));
+        if (std::fabs(fromStart) > margin && std::fabs(toEnd) > margin && margin > kSmallest)
+        {
+            return isWide ? fromStart > 0.0 || toEnd > 0.0 : fromStart > 0.0 && toEnd > 0.0;
+        }
+        return AngleIsInSector(angles, y, x);
+    }
+
+private:
+    // In radians; what rounding adds to an angle or a cross product stays below 1e-12.
+    static constexpr double kMargin = 1e-9;
+    static constexpr double kSmallest = 1e-200; // far from numbers that lose digits
+
+    static qPoint64f DirectionOf(double angle) { return {std::cos(ToRadians(angle)), std::sin(ToRadians(angle))}; }
+
+    SectorAngles angles;
+    bool isWide;
+    qPoint64f start;
+    qPoint64f end;
+};
+
+inline bool AngleIsInSector(const SectorDirections& directions, double y, double x)
+{
+    return directions.Contain(y, x);
+}
+
+/** @param angles of @p sector, as SectorAngles or SectorDirections */
+template <typename Angles>
+inline bool PointIsInAnnularSector(const AnnularSector2d<double>& sector, const Angles& angles, double x, double y)
 {
     const double dx = x - sector.center.x;
     const double dy = y - sector.center.y;
@@ -84,11 +132,12 @@ inline double EllipseFrameAngle(const EllipticalSector2d<double>& sector)
     return ToRadians(-sector.rotation);
 }
 
-/** @param angles of @p sector
+/** @param angles of @p sector, as SectorAngles or SectorDirections
  *  @param cosine of EllipseFrameAngle()
  *  @param sine of EllipseFrameAngle() */
-inline bool PointIsInEllipticalSector(const EllipticalSector2d<double>& sector, const SectorAngles& angles,
-                                      double cosine, double sine, double x, double y)
+template <typename Angles>
+inline bool PointIsInEllipticalSector(const EllipticalSector2d<double>& sector, const Angles& angles, double cosine,
+                                      double sine, double x, double y)
 {
     const double dx = x - sector.center.x;
     const double dy = y - sector.center.y;

@@ -187,6 +187,30 @@ TEST(AngleTest, TheStartIsTakenModuloAFullTurn)
     }
 }
 
+TEST(AngleTest, DirectionsCloseToAnEndAreMeasured)
+{
+    std::mt19937_64 random(52);
+    std::uniform_real_distribution<double> degrees(-400.0, 400.0);
+    std::uniform_int_distribution<int> exponents(-17, -5);
+    int inside = 0;
+    for (int round = 0; round < 20000; ++round)
+    {
+        const double start = degrees(random);
+        const double span = degrees(random);
+        const SectorAngles angles = NormalizeSectorAngles(start, span);
+        const double beside = std::pow(10.0, exponents(random)) * (round % 2 == 0 ? 1.0 : -1.0);
+        const double angle = (round % 4 < 2 ? angles.start : angles.end) * M_PI / 180.0 + beside;
+        const double length = std::pow(10.0, exponents(random) * 20 % 330);
+        const double x = length * std::cos(angle);
+        const double y = length * std::sin(angle);
+        const bool expected = NaiveAngleTest(y, x, start, span);
+        ASSERT_EQ(AngleIsInSector(SectorDirections(angles), y, x), expected) << start << " " << span << " " << beside;
+        inside += expected ? 1 : 0;
+    }
+    EXPECT_GT(inside, 5000);
+    EXPECT_LT(inside, 19000);
+}
+
 TEST(AngleTest, PreparedAnglesGiveTheSameAnswersAsTheTestInOnePiece)
 {
     std::mt19937_64 random(51);
@@ -204,6 +228,7 @@ TEST(AngleTest, PreparedAnglesGiveTheSameAnswersAsTheTestInOnePiece)
         const bool expected = NaiveAngleTest(y, x, start, span);
         EXPECT_EQ(AngleIsInSector(y, x, start, span), expected);
         EXPECT_EQ(AngleIsInSector(NormalizeSectorAngles(start, span), y, x), expected);
+        EXPECT_EQ(AngleIsInSector(SectorDirections(NormalizeSectorAngles(start, span)), y, x), expected);
         inside += expected ? 1 : 0;
     }
     EXPECT_GT(inside, 5000);
