@@ -22,6 +22,37 @@ CenteredPoints::CenteredPoints(const qPoint64f* points, std::size_t pointCount)
     }
 }
 
+TriangularFactor CenteredPoints::Factor() const
+{
+    TriangularFactor factor;
+    EquationBlock block;
+    for (std::size_t begin = 0; begin < x.size(); begin += kBlock)
+    {
+        for (std::size_t row = 0; row < kBlock; ++row)
+        {
+            const bool isKept = x[begin + row] == x[begin + row];
+            const double pointX = isKept ? x[begin + row] : 0.0;
+            const double pointY = isKept ? y[begin + row] : 0.0;
+            block.coefficients[0][row] = 2.0 * pointX;
+            block.coefficients[1][row] = 2.0 * pointY;
+            block.coefficients[2][row] = isKept ? 1.0 : 0.0;
+            block.rightSide[row] = pointX * pointX + pointY * pointY;
+        }
+        factor.Insert(block);
+    }
+    return factor;
+}
+
+double CenteredPoints::Reach() const
+{
+    double reach = 0.0;
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        reach = std::max({reach, std::fabs(x[i]), std::fabs(y[i])});
+    }
+    return reach;
+}
+
 std::size_t CenteredPoints::FarthestFrom(const Circle& circle) const
 {
     double largest = -1.0;

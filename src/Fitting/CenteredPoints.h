@@ -40,6 +40,12 @@ public:
         return {{2.0 * x[index], 2.0 * y[index], 1.0}, x[index] * x[index] + y[index] * y[index]};
     }
 
+    /** The equations of the kept points, block after block. */
+    TriangularFactor Factor() const;
+
+    /** The largest coordinate, by magnitude. */
+    double Reach() const;
+
     /** Index of the kept point with the largest | distance from the centre - radius |, the lowest among
      *  equals.
      *
@@ -49,7 +55,7 @@ public:
 
 private:
     static constexpr std::size_t kLanes = 4; // independent extremes, so that the loop runs on vectors
-    static constexpr std::size_t kBlock = 64;
+    static constexpr std::size_t kBlock = EquationBlock::kRows;
     static constexpr double kRemoved = std::numeric_limits<double>::quiet_NaN();
 
     static double Residual(double squaredDistance, const Circle& circle)

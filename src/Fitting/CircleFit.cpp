@@ -86,15 +86,14 @@ void FitCircle(const qPoint64f* points, std::size_t count, double outlierPercent
     {
         FitLeastSquares(points, count, outlierPercent, result);
     }
-    else if (points != nullptr)
-    {
-        result.keptPoints.assign(points, points + count);
-    }
-
-    if (type == CIRCLE_LSC && !rejecting)
+    else if (type == CIRCLE_LSC)
     {
         FitLeastSquares(points, count, outlierPercent, result);
         MeasureDistances(result);
+    }
+    else if (points != nullptr)
+    {
+        result.keptPoints.assign(points, points + count);
     }
     if (type == CIRCLE_MZC)
     {

@@ -21,17 +21,11 @@ constexpr double kSquaredRadiusLimit = 3.4028234663852886e38; // the largest flo
  *  chain of removals costs less than one digit. */
 constexpr double kFactorAfreshBelow = 0.1;
 
-TriangularFactor FactorOf(const CenteredPoints& points)
+/** Whether sums of products of the equations neither overflow nor vanish. */
+bool KeepsDigits(double reach)
 {
-    TriangularFactor factor;
-    for (std::size_t i = 0; i < points.Count(); ++i)
-    {
-        if (points.Kept(i))
-        {
-            factor.Insert(points.EquationOf(i));
-        }
-    }
-    return factor;
+    constexpr double kLargest = 1e60;
+    return reach >= 1.0 / kLargest && reach <= kLargest;
 }
 
 std::optional<Circle> SolveAll(const char* function, const CenteredPoints& points)
@@ -86,6 +80,20 @@ std::optional<Circle> CircleSystem::Solve()
 CircleRejection::CircleRejection(const char* functionName, const qPoint64f* points, std::size_t count)
     : function(functionName), centered(points, count)
 {
+    if (KeepsDigits(centered.Reach()))
+    {
+        FormFactor();
+    }
+}
+
+void CircleRejection::FormFactor()
+{
+    if (!factorSystem)
+    {
+        factorSystem.emplace(function, kUnknowns);
+    }
+    factor = centered.Factor();
+    determinantShare = 1.0;
 }
 
 bool CircleRejection::Solve()
@@ -100,8 +108,7 @@ std::size_t CircleRejection::RejectFarthest()
 {
     if (!factorSystem)
     {
-        factorSystem.emplace(function, kUnknowns);
-        factor = FactorOf(centered);
+        FormFactor();
     }
     const std::size_t farthest = centered.FarthestFrom(circle);
     const Equation removed = centered.EquationOf(farthest);
@@ -109,8 +116,7 @@ std::size_t CircleRejection::RejectFarthest()
     determinantShare *= factor.Remove(removed);
     if (!(determinantShare >= kFactorAfreshBelow))
     {
-        factor = FactorOf(centered);
-        determinantShare = 1.0;
+        FormFactor();
     }
     return farthest;
 }

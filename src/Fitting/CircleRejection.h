@@ -33,8 +33,9 @@ private:
     Zo::Object<void*> rightSide;
 };
 
-/** Solves for the circle of the kept points and rejects the one farthest from it, in turn. The first circle is that
- *  of a full system; later ones come from its triangular factor, from which the rejected rows are taken out. */
+/** Solves for the circle of the kept points and rejects the one farthest from it, in turn. The circles come from the
+ *  triangular factor of the equations, from which the rejected rows are taken out. Coordinates of a size far from all
+ *  measures have a first circle from the full system, whose solver bears them. */
 class CircleRejection
 {
 public:
@@ -54,11 +55,14 @@ public:
     bool Kept(std::size_t index) const { return centered.Kept(index); }
 
 private:
+    /** Takes in the equations of the kept points. */
+    void FormFactor();
+
     const char* function;
     CenteredPoints centered;
     Circle circle{};
     TriangularFactor factor;
-    std::optional<CircleSystem> factorSystem; ///< the triangular equations, once a point is rejected
+    std::optional<CircleSystem> factorSystem; ///< the triangular equations, once there is a factor
     double determinantShare = 1.0;            ///< of the factor when it was formed, how much is left
 };
 

@@ -5,6 +5,7 @@
  *  go. */
 
 #include <array>
+#include <cstddef>
 
 namespace Zvl
 {
@@ -16,6 +17,16 @@ struct Equation
     double rightSide;
 };
 
+/** Equations that are taken in together, each column in an array of its own. Rows of zeros change nothing. */
+struct EquationBlock
+{
+    static constexpr std::size_t kRows = 64;
+    using Column = std::array<double, kRows>;
+
+    std::array<Column, 3> coefficients;
+    Column rightSide;
+};
+
 /** R and z = Qᵀy of the factorisation A = QR of the equations, from which R x = z gives the least-squares
  *  solution. Q is not kept. */
 class TriangularFactor
@@ -24,6 +35,12 @@ public:
     /** Takes in a row by three plane rotations.
      *  Source: G. H. Golub and C. F. Van Loan, Matrix Computations, 4th ed., 2013, section 6.5.3. */
     void Insert(const Equation& row);
+
+    /** Takes in the rows of @p block, which is used up, by three Householder reflections of R and the block. It costs a
+     *  fraction of what the rows cost one by one, and no error grows with their number as it does in normal equations.
+     *  Source: J. Demmel et al., Communication-optimal parallel and sequential QR and LU factorizations, SIAM
+     *  Journal on Scientific Computing 34(1), 2012, section 3. */
+    void Insert(EquationBlock& block);
 
     /** Takes out a row that was taken in before.
      *  @return the share of the squared determinant of R that stays, which is 1 minus the row's leverage. A

@@ -303,6 +303,27 @@ TEST(CircleLeastSquares, RadiusJustInsideFloatIsFound)
     EXPECT_NEAR(FitPoints({{1e19, 0.0}, {-1e19, 0.0}, {0.0, 1e19}, {0.0, -1e19}}, 0.0).radius, 1e19, 1e4);
 }
 
+TEST(CircleLeastSquares, CoordinatesFarFromAllMeasuresAreSolvedInFull)
+{
+    const std::vector<qPoint64f> points = NoisyArc(100, {0.3, 0.2}, 1.0, 5.0, 0.01, 41);
+    const double tiny = 0x1p-300; // scaling by powers of two changes no digit
+    std::vector<qPoint64f> scaled = points;
+    for (qPoint64f& point : scaled)
+    {
+        point = {point.x * tiny, point.y * tiny};
+    }
+    for (const double percent : {0.0, 20.0})
+    {
+        const Fit expected = FitPoints(points, percent);
+        const Fit fit = FitPoints(scaled, percent);
+        EXPECT_NEAR(fit.center.x / tiny, expected.center.x, 1e-12);
+        EXPECT_NEAR(fit.center.y / tiny, expected.center.y, 1e-12);
+        EXPECT_NEAR(fit.radius / tiny, expected.radius, 1e-12);
+        EXPECT_EQ(fit.outliers.size(), expected.outliers.size());
+    }
+    ExpectFailure(0, {{1e120, 0.0}, {-1e120, 0.0}, {0.0, 1e120}, {0.0, -1e120}}, 0.0);
+}
+
 TEST(CircleLeastSquares, ExhaustedMemoryIsThrownAndNothingLeaks)
 {
     const std::vector<qPoint64f> points = NoisyArc(30, {0.0, 0.0}, 1.0, 6.0, 0.1, 3);

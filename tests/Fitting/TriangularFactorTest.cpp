@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -10,6 +11,7 @@ namespace
 {
 
 using Zvl::Equation;
+using Zvl::EquationBlock;
 using Zvl::TriangularFactor;
 
 std::vector<Equation> RandomEquations(std::size_t count)
@@ -69,6 +71,48 @@ TEST(TriangularFactor, InsertedRowsGiveTheirNormalEquations)
 {
     const std::vector<Equation> equations = RandomEquations(50);
     ExpectFactorOf(equations, FactorOf(equations));
+}
+
+/** The factor of @p equations by blocks, the last of which ends in rows of zeros. */
+TriangularFactor FactorByBlocks(const std::vector<Equation>& equations)
+{
+    TriangularFactor factor;
+    for (std::size_t begin = 0; begin < equations.size(); begin += EquationBlock::kRows)
+    {
+        EquationBlock block{};
+        for (std::size_t row = 0; row < std::min(EquationBlock::kRows, equations.size() - begin); ++row)
+        {
+            const Equation& equation = equations[begin + row];
+            for (std::size_t i = 0; i < 3; ++i)
+            {
+                block.coefficients[i][row] = equation.coefficients[i];
+            }
+            block.rightSide[row] = equation.rightSide;
+        }
+        factor.Insert(block);
+    }
+    return factor;
+}
+
+TEST(TriangularFactor, BlocksGiveTheirNormalEquations)
+{
+    for (const std::size_t count : {1U, 2U, 3U, 50U, 64U, 65U, 1000U})
+    {
+        const std::vector<Equation> equations = RandomEquations(count);
+        ExpectFactorOf(equations, FactorByBlocks(equations));
+    }
+}
+
+TEST(TriangularFactor, RowsAreTakenOutOfAFactorOfBlocks)
+{
+    std::vector<Equation> equations = RandomEquations(150);
+    TriangularFactor factor = FactorByBlocks(equations);
+    while (equations.size() > 20)
+    {
+        EXPECT_GT(factor.Remove(equations.back()), 0.1);
+        equations.pop_back();
+        ExpectFactorOf(equations, factor);
+    }
 }
 
 TEST(TriangularFactor, RemovalEqualsAFactorWithoutTheRow)
