@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace Zvl
 {
@@ -13,35 +14,32 @@ namespace Zvl
 /** Cells that a kernel may read and write behind those of a run. */
 constexpr std::size_t kRunSlack = 64;
 
-/** A run of cells in a row of the neighbourhood of the cell to repair. All pointers are those of the run's first cell.
- *  Those into the image go by its role in the differences: `here` is the cell as it is read, which at the image's edges
- *  is one cell further inside. */
+/** Cells of a row that ToFloats() takes at once, or a multiple of them. */
+constexpr std::size_t kWindowStep = 16;
+
+/** A run of cells in a row of the neighbourhood of the cell to repair. In the image's first and last row and column, some
+ *  values are read one cell further inside. */
 struct NeighbourRun
 {
     std::size_t count;
-    float dx; ///< of the first cell from the cell to repair
-    float dy;
-    const float* factor; ///< by distance
-    const std::uint8_t* stateAbove;
-    const std::uint8_t* state;
-    const std::uint8_t* stateBelow;
-    const float* t;
-    const float* here;
-    const float* left;      ///< beside `here`, for a difference to the left
-    const float* right;     ///< beside `hereLeft`, for one to the right
-    const float* hereLeft;  ///< in place of `here` where the cell to the right is not known
-    const float* above;     ///< over `here`
-    const float* below;     ///< under `hereAbove`
-    const float* hereAbove; ///< in place of `here` where the cell below is not known
+    const float* factor; ///< by distance, of the run's first cell and those behind it
+    std::ptrdiff_t dx;   ///< of the first cell from the cell to repair
+    std::ptrdiff_t dy;
+    bool isFirstRow; ///< of the image
+    bool isLastRow;
+    bool isFirstColumn;
+    bool isLastColumn;
 };
 
-/** The terms of the sums, one for each cell of a run; 0 for those that are not known. */
-struct RunTerms
+/** What the kernels read of the cell to repair and, by run, of those around it. */
+struct Surroundings
 {
-    float* weighted; ///< weight times value
-    float* gradX;    ///< weight times the value's change along x to the cell to repair; of TeleaTerms() only
-    float* gradY;
-    float* weight;
+    std::span<const NeighbourRun> runs; ///< row by row and from left to right
+    const std::uint8_t* state;          ///< CellState
+    const float* t;                     ///< when the front arrives
+    std::ptrdiff_t planeStride;
+    const float* value; ///< of the image
+    std::ptrdiff_t valueStride;
 };
 
 /** The front at the cell to repair. */
@@ -52,10 +50,36 @@ struct FrontSlope
     float y;
 };
 
-/** Weights by distance, by difference in time, and by direction against the front. */
-void TeleaTerms(const NeighbourRun& run, const FrontSlope& front, const RunTerms& terms);
+/** Sums over the known cells of a neighbourhood, one cell after the other. */
+struct NeighbourSums
+{
+    float weighted; ///< weight times value
+    float gradX;    ///< weight times the value's change along x to the cell to repair; of SumTelea() only
+    float gradY;
+    float weight;
+};
 
-/** Weights by distance and by direction against the isophotes. */
-void NavierStokesTerms(const NeighbourRun& run, const RunTerms& terms);
+/** Adds weights by distance, by difference in time, and by direction against the front to @p sums. */
+void SumTelea(const Surroundings& surroundings, const FrontSlope& front, NeighbourSums& sums);
+
+/** Adds weights by distance and by direction against the isophotes to @p sums. */
+void SumNavierStokes(const Surroundings& surroundings, NeighbourSums& sums);
+
+/** Cells of an image that become floats. */
+template <typename T>
+struct ImageWindow
+{
+    const T* cells;
+    std::ptrdiff_t stride;
+    std::size_t rows;
+    std::size_t columns; ///< a multiple of #kWindowStep
+    float* values;
+    std::size_t valueStride;
+};
+
+void ToFloats(const ImageWindow<std::uint8_t>& window);
+void ToFloats(const ImageWindow<std::uint16_t>& window);
+void ToFloats(const ImageWindow<std::int16_t>& window);
+void ToFloats(const ImageWindow<float>& window);
 
 } // namespace Zvl

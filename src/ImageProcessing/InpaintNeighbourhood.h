@@ -7,7 +7,7 @@
 #include "ImageProcessing/InpaintKernel.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <span>
 #include <vector>
 
 namespace Zvl
@@ -82,92 +82,117 @@ public:
     template <typename T>
     void Fill(const cv::Mat& image, int channel, int row, int column)
     {
-        firstRow = row - reach;
-        firstColumn = column - reach;
-        const int begin = std::max(firstColumn, 0);
-        const int end = std::min(column + reach + 1, image.cols);
-        const std::ptrdiff_t channels = image.channels();
-        for (int r = 0; r <= 2 * reach; ++r)
+        const std::size_t width = (WidthOf(reach) + kWindowStep - 1) / kWindowStep * kWindowStep;
+        if (image.channels() == 1 && row >= reach && row + reach < image.rows && column >= reach &&
+            width <= static_cast<std::size_t>(image.cols - (column - reach)))
         {
-            const T* source = image.ptr<T>(std::clamp(firstRow + r, 0, image.rows - 1)) + channel;
-            float* target = values.data() + static_cast<std::size_t>(r) * stride;
-            float* inside = target + (begin - firstColumn);
-            Convert(source + begin * channels, channels, inside, end - begin);
-            std::fill(target, inside, *inside);
-            std::fill(inside + (end - begin), target + WidthOf(reach), inside[end - begin - 1]);
+            ToFloats(ImageWindow<T>{image.ptr<T>(row - reach) + (column - reach),
+                                    static_cast<std::ptrdiff_t>(image.step1()), WidthOf(reach), width, values.data(),
+                                    stride});
+            return;
         }
+        FillByCell<T>(image, channel, row, column);
     }
 
-    /** The value of the image's cell (@p row, @p column), and those behind it. */
-    const float* From(int row, int column) const
-    {
-        return values.data() + static_cast<std::size_t>(row - firstRow) * stride +
-               static_cast<std::size_t>(column - firstColumn);
-    }
+    /** The value of the cell in the middle. */
+    const float* Centre() const { return values.data() + static_cast<std::size_t>(reach) * (stride + 1); }
+
+    std::ptrdiff_t Stride() const { return static_cast<std::ptrdiff_t>(stride); }
 
 private:
     template <typename T>
-    static void Convert(const T* source, std::ptrdiff_t channels, float* target, int count)
+    void FillByCell(const cv::Mat& image, int channel, int row, int column)
     {
-        if (channels == 1)
+        const int begin = std::max(column - reach, 0);
+        const int end = std::min(column + reach + 1, image.cols);
+        const int channels = image.channels();
+        float* target = values.data();
+        for (int r = row - reach; r <= row + reach; ++r, target += stride)
         {
-            std::copy_n(source, count, target);
-            return;
-        }
-        for (int i = 0; i < count; ++i)
-        {
-            target[i] = static_cast<float>(source[i * channels]);
+            const T* source = image.ptr<T>(std::clamp(r, 0, image.rows - 1)) + channel;
+            float* inside = target + (begin - (column - reach));
+            for (int c = begin; c < end; ++c)
+            {
+                inside[c - begin] = static_cast<float>(source[static_cast<std::ptrdiff_t>(c) * channels]);
+            }
+            std::fill(target, inside, *inside);
+            std::fill(inside + (end - begin), target + WidthOf(reach), inside[end - begin - 1]);
         }
     }
 
     int reach;
     std::size_t stride;
     std::vector<float> values;
-    int firstRow = 0;
-    int firstColumn = 0;
 };
 
-/** Calls `visit(run)` for the runs of the neighbourhood of @p cell, row by row and from left to right. Where a cell lies
- *  in the first or last row or column of the image, the image is read one cell further inside. */
-template <typename Visit>
-void ForEachRun(const MarchPlanes& planes, const Disc& disc, const Patch& patch, const PlaneCell& cell, Visit visit)
+/** The runs of the neighbourhoods of cells to repair. */
+class NeighbourRuns
 {
-    const int lastRow = planes.t.rows - 2;
-    const int lastColumn = planes.t.cols - 2;
-    const int endRow = std::min(cell.i + disc.Radius(), lastRow);
-    for (int n = std::max(cell.i - disc.Radius(), 1); n <= endRow; ++n)
+public:
+    explicit NeighbourRuns(const Disc& disc) : radius(disc.Radius())
     {
-        const int dy = n - cell.i;
-        const int half = disc.HalfWidth(dy);
-        const int nm = n - 1 + (n == 1 ? 1 : 0);
-        const int np = n - 1 - (n == lastRow ? 1 : 0);
-        const auto visitRun = [&](int l, int count)
+        for (int dy = -radius; dy <= radius; ++dy)
         {
-            const int lm = l - 1 + (l == 1 ? 1 : 0);
-            const int lp = l - 1 - (l == lastColumn ? 1 : 0);
-            const int dx = l - cell.j;
-            visit(NeighbourRun{static_cast<std::size_t>(count), static_cast<float>(dx), static_cast<float>(dy),
-                               disc.FactorsFrom(dy, dx), planes.f[n - 1] + l, planes.f[n] + l, planes.f[n + 1] + l,
-                               planes.t[n] + l, patch.From(nm, lm), patch.From(nm, lm - 1), patch.From(nm, lp + 1),
-                               patch.From(nm, lp), patch.From(nm - 1, lm), patch.From(np + 1, lm), patch.From(np, lm)});
+            const int half = disc.HalfWidth(dy);
+            whole.push_back({2 * static_cast<std::size_t>(half) + 1, disc.FactorsFrom(dy, -half), -half, dy, false,
+                             false, false, false});
+        }
+        cut.reserve(3 * whole.size());
+    }
+
+    /** Those of @p cell in planes of @p size, row by row and from left to right. They are valid until the next call. */
+    std::span<const NeighbourRun> Around(const PlaneCell& cell, const cv::Size& size)
+    {
+        const int lastRow = size.height - 2;
+        const int lastColumn = size.width - 2;
+        if (cell.i - radius > 1 && cell.i + radius < lastRow && cell.j - radius > 1 && cell.j + radius < lastColumn)
+        {
+            return whole;
+        }
+        cut.clear();
+        for (const NeighbourRun& run : whole)
+        {
+            const auto dy = static_cast<int>(run.dy);
+            if (cell.i + dy >= 1 && cell.i + dy <= lastRow)
+            {
+                CutAtEdges(run, cell.j, lastColumn, cell.i + dy == 1, cell.i + dy == lastRow);
+            }
+        }
+        return cut;
+    }
+
+private:
+    /** Adds what there is of @p run to @c cut, cells of the image's first and last column on their own. */
+    void CutAtEdges(const NeighbourRun& run, int column, int lastColumn, bool isFirstRow, bool isLastRow)
+    {
+        const auto half = static_cast<int>(-run.dx);
+        const auto add = [&](int l, int end)
+        {
+            const std::ptrdiff_t dx = l - column;
+            cut.push_back({static_cast<std::size_t>(end - l), run.factor + (dx - run.dx), dx, run.dy, isFirstRow,
+                           isLastRow, l == 1, l == lastColumn});
         };
-        const int first = std::max(cell.j - half, 1);
-        const int last = std::min(cell.j + half, lastColumn);
+        const int first = std::max(column - half, 1);
+        const int last = std::min(column + half, lastColumn);
         const int inner = std::max(first, 2);
-        const int innerEnd = std::min(last, lastColumn - 1);
+        const int innerEnd = std::min(last + 1, lastColumn);
         if (first == 1)
         {
-            visitRun(1, 1);
+            add(1, 2);
         }
-        if (inner <= innerEnd)
+        if (inner < innerEnd)
         {
-            visitRun(inner, innerEnd - inner + 1);
+            add(inner, innerEnd);
         }
         if (last == lastColumn && lastColumn > 1)
         {
-            visitRun(lastColumn, 1);
+            add(lastColumn, lastColumn + 1);
         }
     }
-}
+
+    int radius;
+    std::vector<NeighbourRun> whole; ///< of a cell far from the image's edges
+    std::vector<NeighbourRun> cut;
+};
 
 } // namespace Zvl

@@ -10,22 +10,17 @@
 namespace Zvl
 {
 
-/** Room for the terms of one run. */
-class TermRow
+/** What the kernels read around @p cell. */
+inline Surroundings SurroundingsOf(const MarchPlanes& planes, const Patch& patch, const PlaneCell& cell,
+                                   NeighbourRuns& runs)
 {
-public:
-    explicit TermRow(int range) : length(WidthOf(range) + kRunSlack), terms(4 * length) {}
-
-    RunTerms Terms()
-    {
-        float* first = terms.data();
-        return {first, first + length, first + 2 * length, first + 3 * length};
-    }
-
-private:
-    std::size_t length;
-    std::vector<float> terms;
-};
+    return {runs.Around(cell, planes.t.size()),
+            planes.f[cell.i] + cell.j,
+            planes.t[cell.i] + cell.j,
+            static_cast<std::ptrdiff_t>(planes.t.step1()),
+            patch.Centre(),
+            patch.Stride()};
+}
 
 constexpr float kAlmostNothing = 1e-20F; ///< keeps quotients finite
 
@@ -34,31 +29,16 @@ class TeleaMethod
 {
 public:
     /** @param channels of the image. With more than one, the distances are dealt with in double. */
-    TeleaMethod(int range, int channels) : disc(range, channels == 1 ? FactorInSingle : FactorInDouble), row(range) {}
+    TeleaMethod(int range, int channels) : disc(range, channels == 1 ? FactorInSingle : FactorInDouble), runs(disc) {}
 
     const Disc& Neighbourhood() const { return disc; }
 
     float ValueAt(const MarchPlanes& planes, const Patch& patch, const PlaneCell& cell)
     {
-        const FrontSlope front = SlopeAt(planes, cell);
-        const RunTerms terms = row.Terms();
-        float weighted = 0.0F;
-        float gradX = 0.0F;
-        float gradY = 0.0F;
-        float weight = kAlmostNothing;
-        ForEachRun(planes, disc, patch, cell,
-                   [&](const NeighbourRun& run)
-                   {
-                       TeleaTerms(run, front, terms);
-                       for (std::size_t k = 0; k < run.count; ++k)
-                       {
-                           weighted += terms.weighted[k];
-                           gradX -= terms.gradX[k];
-                           gradY -= terms.gradY[k];
-                           weight += terms.weight[k];
-                       }
-                   });
-        return weighted / weight + (gradX + gradY) / (std::sqrt(gradX * gradX + gradY * gradY) + kAlmostNothing) + 0.5F;
+        NeighbourSums sums = {0.0F, 0.0F, 0.0F, kAlmostNothing};
+        SumTelea(SurroundingsOf(planes, patch, cell, runs), SlopeAt(planes, cell), sums);
+        const float length = std::sqrt(sums.gradX * sums.gradX + sums.gradY * sums.gradY);
+        return sums.weighted / sums.weight + (sums.gradX + sums.gradY) / (length + kAlmostNothing) + 0.5F;
     }
 
 private:
@@ -87,40 +67,29 @@ private:
     }
 
     Disc disc;
-    TermRow row;
+    NeighbourRuns runs;
 };
 
 /** The weighted mean of values along the isophotes, which continue into the hole as the flow of a fluid would. */
 class NavierStokesMethod
 {
 public:
-    NavierStokesMethod(int range, int /*channels*/) : disc(range, Factor), row(range) {}
+    NavierStokesMethod(int range, int /*channels*/) : disc(range, Factor), runs(disc) {}
 
     const Disc& Neighbourhood() const { return disc; }
 
     double ValueAt(const MarchPlanes& planes, const Patch& patch, const PlaneCell& cell)
     {
-        const RunTerms terms = row.Terms();
-        float weighted = 0.0F;
-        float weight = kAlmostNothing;
-        ForEachRun(planes, disc, patch, cell,
-                   [&](const NeighbourRun& run)
-                   {
-                       NavierStokesTerms(run, terms);
-                       for (std::size_t k = 0; k < run.count; ++k)
-                       {
-                           weighted += terms.weighted[k];
-                           weight += terms.weight[k];
-                       }
-                   });
-        return static_cast<double>(weighted) / weight;
+        NeighbourSums sums = {0.0F, 0.0F, 0.0F, kAlmostNothing};
+        SumNavierStokes(SurroundingsOf(planes, patch, cell, runs), sums);
+        return static_cast<double>(sums.weighted) / sums.weight;
     }
 
 private:
     static float Factor(float squared) { return 1.0F / (squared * squared + 1.0F); }
 
     Disc disc;
-    TermRow row;
+    NeighbourRuns runs;
 };
 
 } // namespace Zvl
