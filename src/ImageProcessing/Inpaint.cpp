@@ -3,8 +3,6 @@
 #include "ImageProcessing/InpaintIslands.h"
 #include "ImageProcessing/InpaintValue.h"
 
-#include <opencv2/imgproc.hpp>
-
 #include <limits>
 #include <new>
 #include <type_traits>
@@ -91,20 +89,42 @@ private:
     throw cv::Exception(status, message, kFunction, __FILE__, line);
 }
 
-/** What the march inwards needs, whatever the type of the image. */
+/** What the marches need, whatever the type of the image. */
 struct Task
 {
     MarchPlanes& planes;
     const InpaintIslands& islands;
-    CvPriorityQueueFloat& queue;
+    CvPriorityQueueFloat& Heap;
+    CvPriorityQueueFloat& Out; ///< of the march outwards
     int range;
     cv::Mat& output;
 };
 
+/** Begins a march at @p cells, which must find room in @p queue. */
+void Begin(std::span<const PlaneCell> cells, cv::Mat_<float>& t, CvPriorityQueueFloat& queue)
+{
+    for (const PlaneCell& cell : cells)
+    {
+        t(cell.i, cell.j) = 0.0F;
+        queue.Push(cell.i, cell.j, 0.0F);
+    }
+}
+
 template <typename T, typename Method>
 void RepairCells(const Task& task)
 {
-    task.islands.ForEach(task.queue, MarchInwards<T, Method>(task.planes, task.output, task.range, task.queue));
+    MarchInwards<T, Method> marchInwards(task.planes, task.output, task.range, task.Heap);
+    task.islands.ForEach(
+        [&](std::span<const PlaneCell> cells)
+        {
+            if constexpr (Method::kTimesSurroundings)
+            {
+                Begin(cells, task.planes.t, task.Out);
+                MarchOutwards(task.planes.t, task.Out);
+            }
+            Begin(cells, task.planes.t, task.Heap);
+            marchInwards();
+        });
 }
 
 template <typename Method>
@@ -123,60 +143,6 @@ void RepairBy(const Task& task, const char* otherDepth)
     default:
         Fail(cv::Error::StsBadArg, otherDepth, __LINE__);
     }
-}
-
-/** A plane of @p size with slack behind each row. */
-template <typename T>
-cv::Mat_<T> NewPlane(const cv::Size& size)
-{
-    cv::Mat_<T> plane(size.height, size.width + static_cast<int>(kRunSlack));
-    return plane.colRange(0, size.width);
-}
-
-/** What the holes are before anything is repaired, in planes with a border of one cell. */
-struct Holes
-{
-    cv::Mat_<std::uint8_t> mask; ///< #CELL_HOLE where there is one
-    cv::Mat_<std::uint8_t> band; ///< the known cells at their edge, likewise
-
-    explicit Holes(const cv::Mat& inputMask)
-    {
-        cv::copyMakeBorder((inputMask != 0) & CELL_HOLE, mask, 1, 1, 1, 1, cv::BORDER_CONSTANT | cv::BORDER_ISOLATED,
-                           cv::Scalar(0));
-    }
-};
-
-void ClearBorder(cv::Mat_<std::uint8_t>& plane)
-{
-    for (const int row : {0, plane.rows - 1})
-    {
-        plane.row(row).setTo(0);
-    }
-    for (const int column : {0, plane.cols - 1})
-    {
-        plane.col(column).setTo(0);
-    }
-}
-
-/** Gives the known cells within @p range of the holes the negative of their distance, as the time at which the front has
- *  passed them.
- *  @return false when there is nothing to do or no memory for it */
-bool TimeSurroundings(const Holes& holes, const InpaintIslands& islands, int range, cv::Mat_<float>& t)
-{
-    const cv::Mat el_range = cv::getStructuringElement(cv::MORPH_RECT, {2 * range + 1, 2 * range + 1}, {range, range});
-    cv::Mat_<std::uint8_t> out;
-    cv::dilate(holes.mask, out, el_range, {range, range});
-    out -= holes.mask;
-    CvPriorityQueueFloat Out;
-    if (!Out.Init(out))
-    {
-        return false;
-    }
-    out -= holes.band;
-    ClearBorder(out);
-    islands.ForEach(Out, [&] { MarchOutwards(out, t, Out); });
-    NegateFlipped(out, t);
-    return true;
 }
 
 /** @p range rounded to the nearest integer, ties to even, and limited to 1 to 100; 1 for what is not a number. */
@@ -223,39 +189,31 @@ void icvInpaint(const cv::Mat& input, const cv::Mat& inputMask, cv::Mat& output,
     {
         return;
     }
-    Holes holes(inputMask); // before the output, which may be the mask, is written
+    MarchPlanes planes = {StatesOf(inputMask), {}}; // before the output, which may be the mask, is written
     input.copyTo(output);
-
-    const cv::Mat el_cross = cv::getStructuringElement(cv::MORPH_CROSS, {3, 3}, {1, 1});
-    cv::dilate(holes.mask, holes.band, el_cross, {1, 1});
     CvPriorityQueueFloat Heap;
-    if (!Heap.Init(holes.band))
+    if (!Heap.Init(planes.f))
     {
         return;
     }
-    holes.band -= holes.mask;
-    ClearBorder(holes.band);
 
     // Holes matter to each other within the range and a step to a gradient, and in Telea's method where both time the same
     // surroundings.
-    const InpaintIslands islands(holes.mask, holes.band, flags == CV_INPAINT_TELEA ? range : range / 2 + 1);
-    MarchPlanes planes = {NewPlane<std::uint8_t>(holes.mask.size()), NewPlane<float>(holes.mask.size())};
-    planes.f.setTo(CELL_SETTLED);
-    planes.f.setTo(CELL_FRONT, holes.band);
-    planes.f.setTo(CELL_HOLE, holes.mask);
-    planes.t.setTo(1000000.0F);
-    planes.t.setTo(0.0F, holes.band);
+    const InpaintIslands islands(planes.f, flags == CV_INPAINT_TELEA ? range : range / 2 + 1);
+    CvPriorityQueueFloat Out;
+    const Task task = {planes, islands, Heap, Out, range, output};
     switch (flags)
     {
     case CV_INPAINT_TELEA:
-        if (TimeSurroundings(holes, islands, range, planes.t))
+        planes.t = TimesAround(planes.f, range, Out);
+        if (!planes.t.empty())
         {
-            RepairBy<TeleaMethod>({planes, islands, Heap, range, output}, "Unsupportedformat of the input image");
+            RepairBy<TeleaMethod>(task, "Unsupportedformat of the input image");
         }
         return;
     case CV_INPAINT_NS:
-        return RepairBy<NavierStokesMethod>({planes, islands, Heap, range, output},
-                                            "Unsupported format of the input image");
+        planes.t = TimesInside(planes.f);
+        return RepairBy<NavierStokesMethod>(task, "Unsupported format of the input image");
     default:
         Fail(cv::Error::StsBadArg, "The flags argument must be one of CV_INPAINT_TELEA or CV_INPAINT_NS", __LINE__);
     }

@@ -10,22 +10,31 @@ namespace Zvl
 namespace
 {
 
-/** The solution of (T - a)^2 + (T - b)^2 = 1 for two neighbours at a right angle, or a step of one from the earlier. */
-double Solve(double a, double b)
+/** The solution of (T - a)^2 + (T - b)^2 = 1 for two neighbours at a right angle, or a step of one from the earlier. That
+ *  step is the solution for a later neighbour that is one behind, to the last bit, since sums and differences of times are
+ *  exact in double. */
+float Solve(float a, float b)
 {
-    const double difference = a - b;
-    if (std::abs(difference) >= 1.0)
-    {
-        return 1.0 + std::min(a, b);
-    }
-    return (a + b + std::sqrt(2.0 - difference * difference)) * 0.5;
+    const double earlier = std::min(a, b);
+    const double difference = std::min(std::abs(static_cast<double>(a) - b), 1.0);
+    const double later = earlier + difference;
+    return static_cast<float>((earlier + later + std::sqrt(2.0 - difference * difference)) * 0.5);
 }
 
 /** The earlier time of those of two opposite neighbours that are known; infinite when none is. */
-double EarlierKnown(float timeBefore, std::uint8_t stateBefore, float timeAfter, std::uint8_t stateAfter)
+float EarlierKnown(float timeBefore, std::uint8_t stateBefore, float timeAfter, std::uint8_t stateAfter)
 {
     constexpr float never = std::numeric_limits<float>::infinity();
     return std::min(stateBefore == CELL_HOLE ? never : timeBefore, stateAfter == CELL_HOLE ? never : timeAfter);
+}
+
+/** When the front outwards arrives at the cell of @p time, beside one that it has reached. It reaches all within twice the
+ *  range, so that the time of other cells, which stands for #kNever, is too late to matter. */
+float ArrivalOutside(const float* time, std::ptrdiff_t step)
+{
+    const float across = std::min(std::abs(time[-1]), std::abs(time[1]));
+    const float down = std::min(std::abs(time[-step]), std::abs(time[step]));
+    return Solve(across, down);
 }
 
 } // namespace
@@ -40,39 +49,26 @@ float ArrivalAt(const cv::Mat_<std::uint8_t>& f, const cv::Mat_<float>& t, const
     const std::uint8_t* state = f[cell.i] + cell.j;
     const auto timeStep = static_cast<std::ptrdiff_t>(t.step1());
     const auto stateStep = static_cast<std::ptrdiff_t>(f.step1());
-    const double across = EarlierKnown(time[-1], state[-1], time[1], state[1]);
-    const double down = EarlierKnown(time[-timeStep], state[-stateStep], time[timeStep], state[stateStep]);
-    return static_cast<float>(Solve(across, down));
+    const float across = EarlierKnown(time[-1], state[-1], time[1], state[1]);
+    const float down = EarlierKnown(time[-timeStep], state[-stateStep], time[timeStep], state[stateStep]);
+    return Solve(across, down);
 }
 
-void MarchOutwards(cv::Mat_<std::uint8_t>& states, cv::Mat_<float>& t, CvPriorityQueueFloat& queue)
+void MarchOutwards(cv::Mat_<float>& t, CvPriorityQueueFloat& queue)
 {
+    const auto step = static_cast<std::ptrdiff_t>(t.step1());
     PlaneCell passed{};
     while (queue.Pop(&passed.i, &passed.j))
     {
-        states(passed.i, passed.j) = CELL_FLIPPED;
-        for (const PlaneCell& cell : NeighboursOf(passed)) // the border is no hole, which ends the march there
+        for (const PlaneCell& cell : NeighboursOf(passed)) // the border awaits no front, which ends the march there
         {
-            if (states(cell.i, cell.j) == CELL_HOLE)
+            float* time = t[cell.i] + cell.j;
+            if (*time == kAwaitsFront)
             {
-                const float time = ArrivalAt(states, t, cell);
-                t(cell.i, cell.j) = time;
-                states(cell.i, cell.j) = CELL_FRONT;
-                queue.Push(cell.i, cell.j, time); // there is room for all holes
+                const float arrival = ArrivalOutside(time, step);
+                *time = -arrival;
+                queue.Push(cell.i, cell.j, arrival); // there is room for all that await it
             }
-        }
-    }
-}
-
-void NegateFlipped(const cv::Mat_<std::uint8_t>& states, cv::Mat_<float>& t)
-{
-    for (int i = 0; i < states.rows; ++i)
-    {
-        const std::uint8_t* state = states[i];
-        float* time = t[i];
-        for (int j = 0; j < states.cols; ++j)
-        {
-            time[j] = state[j] == CELL_FLIPPED ? -time[j] : time[j];
         }
     }
 }

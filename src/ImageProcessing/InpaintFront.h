@@ -14,9 +14,11 @@ enum CellState : std::uint8_t
 {
     CELL_SETTLED = 0, ///< known, or already passed by the front
     CELL_FRONT = 1,   ///< the front's own
-    CELL_HOLE = 2,    ///< not yet reached
-    CELL_FLIPPED = 3  ///< passed, with a time that is to be negated
+    CELL_HOLE = 2     ///< not yet reached
 };
+
+constexpr float kNever = 1000000.0F;    ///< the time of a cell that no front has reached
+constexpr float kAwaitsFront = -kNever; ///< that of one which the front outwards is to reach
 
 /** A cell of the working planes, which have a border of one cell around the image. */
 struct PlaneCell
@@ -35,11 +37,8 @@ inline std::array<PlaneCell, 4> NeighboursOf(const PlaneCell& cell)
  *  is known: the earliest solution of the eikonal equation. */
 float ArrivalAt(const cv::Mat_<std::uint8_t>& f, const cv::Mat_<float>& t, const PlaneCell& cell);
 
-/** Marches from the cells of @p queue over those that are #CELL_HOLE in @p states, until it is empty. All of them are
- *  #CELL_FLIPPED afterwards. */
-void MarchOutwards(cv::Mat_<std::uint8_t>& states, cv::Mat_<float>& t, CvPriorityQueueFloat& queue);
-
-/** Negates the times of cells that are #CELL_FLIPPED. */
-void NegateFlipped(const cv::Mat_<std::uint8_t>& states, cv::Mat_<float>& t);
+/** Marches from the cells of @p queue over those that are #kAwaitsFront, until it is empty. All of them have the negative
+ *  of their arrival afterwards. Times of other cells are 0 for those where the march begins, and #kNever. */
+void MarchOutwards(cv::Mat_<float>& t, CvPriorityQueueFloat& queue);
 
 } // namespace Zvl

@@ -5,6 +5,7 @@
 
 #include "ImageProcessing/InpaintFront.h"
 
+#include <span>
 #include <vector>
 
 namespace Zvl
@@ -16,23 +17,20 @@ namespace Zvl
 class InpaintIslands
 {
 public:
-    /** @param mask the holes; @param band the cells at their edges
-     *  @param reach holes whose cells are at most `2 * reach + 1` rows and columns apart are of one group */
-    InpaintIslands(const cv::Mat_<std::uint8_t>& mask, const cv::Mat_<std::uint8_t>& band, int reach);
+    /** @param f the states before any march: #CELL_HOLE, and #CELL_FRONT at the edges of holes
+     *  @param reach holes whose cells are at most `2 * reach + 1` rows and columns apart are of one group; none that are more
+     *  than `2 * reach + 13` apart are, unless others lie between them */
+    InpaintIslands(const cv::Mat_<std::uint8_t>& f, int reach);
 
-    /** Fills @p queue, which has room for all cells, with those of each group at a time 0, row after row, and calls
-     *  `march()`, which is to empty it. */
-    template <typename March>
-    void ForEach(CvPriorityQueueFloat& queue, March march) const
+    /** Calls `visit(cells)` with the cells of each group, row after row. */
+    template <typename Visit>
+    void ForEach(Visit visit) const
     {
-        std::size_t next = 0;
+        std::size_t begin = 0;
         for (const std::size_t end : ends)
         {
-            for (; next < end; ++next)
-            {
-                queue.Push(cells[next].i, cells[next].j, 0.0F);
-            }
-            march();
+            visit(std::span(cells).subspan(begin, end - begin));
+            begin = end;
         }
     }
 

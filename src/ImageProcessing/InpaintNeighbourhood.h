@@ -5,6 +5,7 @@
 
 #include "ImageProcessing/InpaintFront.h"
 #include "ImageProcessing/InpaintKernel.h"
+#include "ImageProcessing/InpaintPlanes.h"
 
 #include <algorithm>
 #include <span>
@@ -12,13 +13,6 @@
 
 namespace Zvl
 {
-
-/** The planes of a march inwards; they have room for #kRunSlack cells behind each row. */
-struct MarchPlanes
-{
-    cv::Mat_<std::uint8_t> f; ///< CellState
-    cv::Mat_<float> t;        ///< when the front arrives; negative outside the holes
-};
 
 /** Cells across a disc. */
 inline std::size_t WidthOf(int radius)

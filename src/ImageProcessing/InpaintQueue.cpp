@@ -1,6 +1,5 @@
 #include "ImageProcessing/InpaintQueue.h"
 
-#include <algorithm>
 #include <bit>
 #include <new>
 
@@ -23,8 +22,7 @@ bool CvPriorityQueueFloat::Init(const cv::Mat_<std::uint8_t>& cells)
     pushed = 0;
     for (int i = 0; i < cells.rows; ++i)
     {
-        const std::uint8_t* row = cells[i];
-        capacity += static_cast<std::size_t>(cells.cols - std::count(row, row + cells.cols, std::uint8_t{0}));
+        capacity += static_cast<std::size_t>(cv::countNonZero(cells.row(i)));
     }
     if (capacity == 0)
     {

@@ -28,6 +28,8 @@ constexpr float kAlmostNothing = 1e-20F; ///< keeps quotients finite
 class TeleaMethod
 {
 public:
+    static constexpr bool kTimesSurroundings = true; ///< whether it looks at times outside the holes
+
     /** @param channels of the image. With more than one, the distances are dealt with in double. */
     TeleaMethod(int range, int channels) : disc(range, channels == 1 ? FactorInSingle : FactorInDouble), runs(disc) {}
 
@@ -74,6 +76,8 @@ private:
 class NavierStokesMethod
 {
 public:
+    static constexpr bool kTimesSurroundings = false;
+
     NavierStokesMethod(int range, int /*channels*/) : disc(range, Factor), runs(disc) {}
 
     const Disc& Neighbourhood() const { return disc; }
