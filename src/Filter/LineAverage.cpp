@@ -1,5 +1,9 @@
 #include "Filter/LineFilters.h"
+#include "Filter/LineMeans.h"
 #include "Filter/LineWindow.h"
+
+#include <memory>
+#include <new>
 
 namespace Zvl
 {
@@ -42,10 +46,49 @@ private:
     std::int64_t count = 0;
 };
 
+/** Averages a line in pieces, each with all cells that its windows see. A piece is no shorter than a window, so that few
+ *  cells are seen from two of them.
+ *  @return false when there is no memory for it; nothing is written then */
+bool AverageInPieces(const HeightLine& line, const MeanWindow& window)
+{
+    struct alignas(64) CacheLine
+    {
+        std::byte bytes[64];
+    };
+    constexpr std::size_t kShortest = 4096;
+    const std::size_t piece = std::min(std::max(kShortest, window.Cells()), line.size);
+    const std::size_t seen = std::min(window.behind + piece + window.ahead, line.size);
+    const std::size_t summed = CellsOfPrefixSums(window, seen);
+    MemoryParts needed(nullptr);
+    needed.TakeSums(summed);
+    const std::unique_ptr<CacheLine[]> memory(new (std::nothrow) CacheLine[needed.Used() / sizeof(CacheLine)]);
+    if (memory == nullptr)
+    {
+        return false;
+    }
+    const HeightSums sums = MemoryParts(memory.get()).TakeSums(summed);
+    for (std::size_t first = 0; first < line.size; first += piece)
+    {
+        const std::int16_t* cells = line.source + first;
+        const std::size_t count = std::min(piece, line.size - first);
+        const std::size_t before = std::min(first, window.behind);
+        const std::size_t after = std::min(line.size - first - count, window.ahead);
+        const MeanStretch stretch = {cells - before, before + count + after, before, count, cells};
+        AverageStretch(stretch, window, false, 0, sums, reinterpret_cast<std::uint16_t*>(line.result + first));
+    }
+    return true;
+}
+
 } // namespace
 
 void AverageLine(const HeightLine& line, std::size_t window)
 {
+    const std::size_t half = std::min(window / 2, line.size);
+    const MeanWindow cells = {half, half};
+    if (CanAverageInVectors(std::min(cells.Cells(), line.size)) && AverageInPieces(line, cells))
+    {
+        return;
+    }
     RunningMean mean;
     SlideWindow(line, window, mean);
 }

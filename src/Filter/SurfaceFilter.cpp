@@ -83,24 +83,22 @@ void SurfaceFilter::Impl::Smooth(const Point2d<std::size_t>& window, bool keepNu
     const Cells<std::int16_t> target = CellsOf<std::int16_t>(out);
     ZVL_REQUIRE(kFunction, AreAlike(source, target));
 
-    Zo::Object<void*> tempSurface;
-    ZVL_CHECK(kFunction, qArray2_Construct(tempSurface.Slot(), xxq16s_type, source.rows, source.columns, alloc));
     const BoxMean mean = {source.data,
-                          CellsOf<std::int16_t>(tempSurface).data,
                           target.data,
                           source.rows,
                           source.columns,
                           static_cast<std::uint32_t>(window.x),
                           static_cast<std::uint32_t>(window.y),
                           keepNulls};
-    if (!CanAverageInStrips(mean))
+    Zo::Object<void*> memory;
+    if (CanAverageInVectors(mean))
     {
-        AverageLineByLine(mean);
+        ZVL_CHECK(kFunction, qArray1_Construct(memory.Slot(), xxq8u_type, BytesForVectors(mean), alloc));
+        AverageInVectors(mean, qArray1_Data(memory));
         return;
     }
-    Zo::Object<void*> memory;
-    ZVL_CHECK(kFunction, qArray1_Construct(memory.Slot(), xxq8u_type, BytesForStrips(mean), alloc));
-    AverageInStrips(mean, qArray1_Data(memory));
+    ZVL_CHECK(kFunction, qArray2_Construct(memory.Slot(), xxq16s_type, source.rows, source.columns, alloc));
+    AverageLineByLine(mean, CellsOf<std::int16_t>(memory).data);
 }
 
 SurfaceFilter::SurfaceFilter(Zo::Object<void*> in, Zo::Object<void*> out, void* alloc) : impl(std::make_unique<Impl>())

@@ -13,8 +13,7 @@ namespace Zvl
 struct BoxMean
 {
     const std::int16_t* in;
-    std::int16_t* between; ///< for the result of the pass along the rows
-    std::int16_t* out;     ///< may be the input
+    std::int16_t* out; ///< may be the input
     std::size_t rows;
     std::size_t columns;
     std::uint32_t windowX;
@@ -22,16 +21,17 @@ struct BoxMean
     bool keepNulls;
 };
 
-/** Whether AverageInStrips() can do it: the map is not too narrow, and sums of a window fit in 32 bits. */
-bool CanAverageInStrips(const BoxMean& mean);
+/** Whether AverageInVectors() can do it: the map is not too narrow or empty, and windows are neither too large nor empty. */
+bool CanAverageInVectors(const BoxMean& mean);
 
-/** Bytes of working memory for AverageInStrips(). */
-std::size_t BytesForStrips(const BoxMean& mean);
+/** Bytes of working memory for AverageInVectors(). */
+std::size_t BytesForVectors(const BoxMean& mean);
 
-/** The box mean in vector instructions. @param memory BytesForStrips() bytes that start at a multiple of 64 */
-void AverageInStrips(const BoxMean& mean, void* memory);
+/** The box mean in vector instructions. The means along the rows are kept for as many rows as a window covers.
+ *  @param memory BytesForVectors() bytes that start at a multiple of 64 */
+void AverageInVectors(const BoxMean& mean, void* memory);
 
-/** The box mean, cell by cell, of any map. */
-void AverageLineByLine(const BoxMean& mean);
+/** The box mean, cell by cell, of any map. @param between for the means along the rows, as large as the map */
+void AverageLineByLine(const BoxMean& mean, std::int16_t* between);
 
 } // namespace Zvl

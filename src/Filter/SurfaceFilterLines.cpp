@@ -82,12 +82,12 @@ void AverageLines(const std::int16_t* in, std::int16_t* out, const Lines& lines,
 
 } // namespace
 
-void AverageLineByLine(const BoxMean& mean)
+void AverageLineByLine(const BoxMean& mean, std::int16_t* between)
 {
     const Lines rows = {mean.rows, mean.columns, mean.columns, 1};
     const Lines columns = {mean.columns, 1, mean.rows, mean.columns};
-    AverageLines(mean.in, mean.between, rows, mean.windowX, mean.keepNulls);
-    AverageLines(mean.between, mean.out, columns, mean.windowY, mean.keepNulls);
+    AverageLines(mean.in, between, rows, mean.windowX, mean.keepNulls);
+    AverageLines(between, mean.out, columns, mean.windowY, mean.keepNulls);
 }
 
 } // namespace Zvl

@@ -4,6 +4,8 @@
 
 #include "Filter/ProfileFilterPlain.h"
 
+#include "support/InstructionSets.h"
+
 #include <initializer_list>
 #include <limits>
 
@@ -220,6 +222,29 @@ TEST(ProfileFilterAgainstPlainLoops, GaussiansOfEverySigma)
             }
         }
     }
+}
+
+/** Lines of one piece and of several, and windows from the shortest to one that is longer than every line. */
+TEST(ProfileFilterAgainstPlainLoops, MeansOfLongLines)
+{
+    TestSupport::InEachInstructionSet(
+        []
+        {
+            std::mt19937 random(2009);
+            for (const std::size_t size : {4095U, 4096U, 4097U, 12345U, 70001U})
+            {
+                for (const std::size_t window :
+                     {3U, 31U, 253U, 255U, 257U, 511U, 513U, 4097U, 20001U, 65535U, 65537U, 140003U})
+                {
+                    Operation operation;
+                    operation.kind = 1;
+                    operation.window = window;
+                    operation.flag = OneOf({0, 1}, random);
+                    const Missing missing = OneOf({Missing::Nowhere, Missing::Sprinkled}, random);
+                    ASSERT_NO_FATAL_FAILURE(ExpectSame(RandomLine(size, 32767, missing, random), {operation}));
+                }
+            }
+        });
 }
 
 /** Equal weights over an even count of cells: means half way between two heights, where every rounding error would

@@ -85,8 +85,11 @@ TEST(ProfileFilterAverage, AWindowBeyondTheLineHoldsAllOfIt)
 TEST(ProfileFilterAverage, SumsBeyond32BitsAreExact)
 {
     const Heights line(100000, 32767);
+    EXPECT_EQ(Averaged(line, 65535, 0), line);
+    EXPECT_EQ(Averaged(line, 65537, 0), line);
     EXPECT_EQ(Averaged(line, 100001, 0), line);
     const Heights deep(200000, -32767);
+    EXPECT_EQ(Averaged(deep, 65535, 0), deep);
     EXPECT_EQ(Averaged(deep, 400001, 0), deep);
 }
 

@@ -219,14 +219,14 @@ TEST(SurfaceFilter, NarrowMapsAreAveragedAsPlainly)
     }
 }
 
-// From 513 cells on, a float does not hold every sum.
+// Up to 255 cells, number and sum share 32 bits; from 513 cells on, a float does not hold every sum.
 TEST(SurfaceFilter, LongWindowsAreAveragedAsPlainly)
 {
     InEachInstructionSet(
         []
         {
             std::mt19937 random(22);
-            for (const std::size_t size : {511U, 512U, 513U, 514U, 1000U, 2999U, 3000U, 7000U})
+            for (const std::size_t size : {254U, 255U, 256U, 257U, 511U, 512U, 513U, 514U, 1000U, 2999U, 3000U, 7000U})
             {
                 for (const int lowest : {-32767, 32700})
                 {
@@ -243,14 +243,14 @@ TEST(SurfaceFilter, LongWindowsAreAveragedAsPlainly)
         });
 }
 
-// 65538 heights of 32767 are the most that 32 bits can hold.
+// 65535 cells are the most that 16 bits can count, and 65538 heights of 32767 the most whose sum 32 bits can hold.
 TEST(SurfaceFilter, TheHighestSumsAreExact)
 {
     constexpr std::size_t kLength = 65600;
     std::mt19937 random(23);
     for (const std::int16_t height : {std::int16_t{32767}, std::int16_t{-32767}})
     {
-        for (const std::size_t size : {65537U, 65538U, 65539U, 100000U, 200000U})
+        for (const std::size_t size : {65535U, 65536U, 65537U, 65538U, 65539U, 100000U, 200000U})
         {
             const HeightMap level = {17, kLength, Heights(17 * kLength, height)};
             EXPECT_TRUE(Averaged(level, {size, 3}, 0) == level.cells) << size;
@@ -259,6 +259,7 @@ TEST(SurfaceFilter, TheHighestSumsAreExact)
     }
     const HeightMap rough = RandomHeightMap(17, kLength, Holes::Clustered, 32767, random);
     EXPECT_TRUE(Averaged(rough, {60001, 2}, 1) == AveragedPlainly(rough, {60001, 2}, 1));
+    EXPECT_TRUE(Averaged(rough, {65535, 2}, 0) == AveragedPlainly(rough, {65535, 2}, 0));
     EXPECT_TRUE(Averaged(rough, {65540, 2}, 1) == AveragedPlainly(rough, {65540, 2}, 1));
 }
 
