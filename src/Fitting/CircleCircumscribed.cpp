@@ -1,11 +1,11 @@
 #include "Fitting/CircleCircumscribed.h"
 
 #include "Common/Check.h"
-#include "Fitting/CircleShrinking.h"
+#include "Fitting/CircleAroundFew.h"
+#include "Fitting/OuterPoints.h"
 #include "Fitting/ZoneOutputs.h"
 
 #include <algorithm>
-#include <array>
 
 namespace Zvl
 {
@@ -14,88 +14,105 @@ namespace
 {
 
 constexpr const char* kFunction = "Zvl::FitCircle_MCC";
-constexpr double kPi = 3.141592653589793;
-constexpr int kMostSteps = 1000;
+constexpr std::size_t kManyPoints = 128; // of fewer than that, most matter
 
-/** The circle about the mean, through the farthest point. */
-ShrinkingCircle CircleAboutMean(const qPoint64f* points, std::size_t count)
+/** The sums wait for one another; the coordinates are looked at meanwhile.
+ *  @throws Zo::Exception #STATUS_BAD_DATA when a coordinate is not a number or too large */
+qPoint64f MeanOf(std::span<const qPoint64f> points)
 {
-    ShrinkingCircle circle = {{0.0, 0.0}, GetNull<double>(), {}, {}};
-    for (std::size_t i = 0; i < count; ++i)
+    qPoint64f mean = {0.0, 0.0};
+    bool areUsable = true;
+    for (const qPoint64f& point : points)
     {
-        circle.center.x += points[i].x;
-        circle.center.y += points[i].y;
+        mean.x += point.x;
+        mean.y += point.y;
+        areUsable = areUsable && IsUsable(point);
     }
-    circle.center.x /= static_cast<double>(count);
-    circle.center.y /= static_cast<double>(count);
-
-    circle.pDistances.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
+    if (!areUsable)
     {
-        const double distance = Distance(points[i], circle.center);
-        circle.radius = std::max(circle.radius, distance);
-        circle.pDistances.push_back({points[i], distance});
+        ZVL_THROW(kFunction, STATUS_BAD_DATA);
     }
-    std::copy_if(circle.pDistances.begin(), circle.pDistances.end(), std::back_inserter(circle.tempControlPoints),
-                 [&circle](const DistPoint& item) { return std::fabs(circle.radius - item.value) < kZoneEpsilon; });
-    return circle;
+    const auto count = static_cast<double>(points.size());
+    return {mean.x / count, mean.y / count};
 }
 
-using Pivots = std::array<qPoint64f, 2>;
-
-/** Two neighbours on the circle with more than half of it between them; nothing when there are none. Sorts the points on
- *  the circle by angle. */
-std::optional<Pivots> FindGap(ShrinkingCircle& circle)
+/** The smallest circle around the points. */
+struct EnclosingCircle
 {
-    std::vector<DistPoint>& items = circle.tempControlPoints;
-    for (DistPoint& item : items)
+    std::vector<qPoint64f> onCircle; ///< up to three points
+    std::optional<DistPoint> nearest;
+};
+
+std::vector<qPoint64f> FirstThree(const std::vector<DistPoint>& items)
+{
+    std::vector<qPoint64f> points;
+    for (std::size_t i = 0; i < std::min<std::size_t>(items.size(), 3); ++i)
     {
-        item.value = std::atan2(item.point.y - circle.center.y, item.point.x - circle.center.x) * 180.0 / kPi;
+        points.push_back(items[i].point);
     }
-    std::sort(items.begin(), items.end(), [](const DistPoint& a, const DistPoint& b) { return a.value < b.value; });
-    for (std::size_t i = 1; i < items.size(); ++i)
+    return points;
+}
+
+/** True when the distance of the nearest point is what the last step has left for it: the points that define the circle
+ *  count as the radius away, whatever rounding says. */
+bool IsInside(const DistPoint& nearest, const ShrinkingCircle& circle)
+{
+    return nearest.value < circle.radius &&
+           std::all_of(circle.tempControlPoints.begin(), circle.tempControlPoints.end(),
+                       [&](const DistPoint& item) { return nearest.value < Distance(item.point, circle.center); });
+}
+
+/** With the few points that matter, when they can be told from the others. The nearest one is then known unless the
+ *  circle came to its end between two points, where the circles that were tried in vain leave their distances. */
+std::optional<EnclosingCircle> EncloseByFew(std::span<const qPoint64f> points, const qPoint64f& mean, bool wantsNearest)
+{
+    const std::optional<ShrinkingCircle> circle = SpreadAroundFew(points, mean);
+    if (!circle.has_value() || (wantsNearest && circle->tempControlPoints.size() == 2))
     {
-        if (items[i].value - items[i - 1].value - 180.0 > kZoneEpsilon)
+        return std::nullopt;
+    }
+    EnclosingCircle enclosing = {FirstThree(circle->tempControlPoints), std::nullopt};
+    if (wantsNearest)
+    {
+        enclosing.nearest = NearestPoint(points, circle->center);
+        if (!IsInside(*enclosing.nearest, *circle))
         {
-            return Pivots{items[i - 1].point, items[i].point};
+            return std::nullopt;
         }
     }
-    if (items.front().value - items.back().value + 180.0 > kZoneEpsilon)
-    {
-        return Pivots{items.front().point, items.back().point};
-    }
-    return std::nullopt;
+    return enclosing;
 }
 
-/** From the circle through one point to one through two. */
-void ShrinkToPoint(ShrinkingCircle& circle)
+EnclosingCircle EncloseByAll(std::span<const qPoint64f> points, const qPoint64f& mean)
 {
-    const qPoint64f pointA = circle.tempControlPoints[0].point;
-    const double distance = Distance(pointA, circle.center);
-    const ZoneLine line = {pointA, {(pointA.x - circle.center.x) / distance, (pointA.y - circle.center.y) / distance}};
-    if (Shrink(circle, {&pointA, 1}, line, pointA) == Shrinking::Failed)
+    std::vector<DistPoint> items;
+    items.reserve(points.size());
+    for (const qPoint64f& point : points)
+    {
+        items.push_back({point, 0.0});
+    }
+    ShrinkingCircle circle = CircleAround(mean, std::move(items));
+    const auto goOn = [](const ShrinkingWay& /*way*/, const ShrinkingCircle& /*reached*/) { return true; };
+    if (ShrinkUntilSpread(circle, goOn) == Spreading::Stuck)
     {
         ZVL_THROW(kFunction, STATUS_ABORTED);
     }
+    const auto nearest = std::min_element(circle.pDistances.begin(), circle.pDistances.end(),
+                                          [](const DistPoint& a, const DistPoint& b) { return a.value < b.value; });
+    return {FirstThree(circle.tempControlPoints), *nearest};
 }
 
-void ShrinkUntilSpread(ShrinkingCircle& circle)
+EnclosingCircle Enclose(std::span<const qPoint64f> points, bool wantsNearest)
 {
-    Shrinking last = Shrinking::TookUpPoint;
-    for (int step = 0;; ++step)
+    const qPoint64f mean = MeanOf(points);
+    if (points.size() >= kManyPoints)
     {
-        const std::optional<Pivots> pivots = FindGap(circle);
-        if (!pivots.has_value())
+        if (auto circle = EncloseByFew(points, mean, wantsNearest))
         {
-            return;
+            return std::move(*circle);
         }
-        // Two points at the ends of a diameter leave a gap only when they are one point.
-        if (last == Shrinking::CameToEnd || step == kMostSteps)
-        {
-            ZVL_THROW(kFunction, STATUS_ABORTED);
-        }
-        last = Shrink(circle, *pivots, Bisector((*pivots)[0], (*pivots)[1]), Middle((*pivots)[0], (*pivots)[1]));
     }
+    return EncloseByAll(points, mean);
 }
 
 } // namespace
@@ -116,19 +133,9 @@ void FitCircle_MCC(const qPoint64f* points, std::size_t count, qPoint64f* center
         return;
     }
 
-    RequireUsablePoints(kFunction, points, count);
-    ShrinkingCircle circle = CircleAboutMean(points, count);
-    if (circle.tempControlPoints.size() == 1)
-    {
-        ShrinkToPoint(circle);
-    }
-    ShrinkUntilSpread(circle);
-
-    std::vector<qPoint64f> onCircle;
-    for (std::size_t i = 0; i < std::min<std::size_t>(circle.tempControlPoints.size(), 3); ++i)
-    {
-        onCircle.push_back(circle.tempControlPoints[i].point);
-    }
+    const bool wantsNearest = minDistance != nullptr || minDistPoints != nullptr;
+    const EnclosingCircle circle = Enclose({points, count}, wantsNearest);
+    const std::vector<qPoint64f>& onCircle = circle.onCircle;
     qPoint64f middle = Middle(onCircle[0], onCircle[1]);
     double distance = Distance(middle, onCircle[0]);
     if (onCircle.size() == 3)
@@ -138,10 +145,11 @@ void FitCircle_MCC(const qPoint64f* points, std::size_t count, qPoint64f* center
     WriteTo(center, middle);
     WriteTo(radius, distance);
     WriteTo(maxDistance, distance);
-    const auto nearest = std::min_element(circle.pDistances.begin(), circle.pDistances.end(),
-                                          [](const DistPoint& a, const DistPoint& b) { return a.value < b.value; });
-    WriteTo(minDistance, nearest->value);
-    WriteTo(minDistPoints, {nearest->point});
+    if (wantsNearest)
+    {
+        WriteTo(minDistance, circle.nearest->value);
+        WriteTo(minDistPoints, {circle.nearest->point});
+    }
     WriteTo(maxDistPoints, onCircle);
     WriteTo(controlPoints, onCircle);
 }

@@ -36,7 +36,7 @@ namespace Zvl
  *          a number or larger than 1e100, #STATUS_ABORTED when the circle cannot shrink: the farthest point lies exactly
  *          above, below or beside the mean, the points on the circle coincide, or it has not come to rest after 1000
  *          steps.
- *  Time O(n) for each step, as a rule fewer than ten. */
+ *  Time O(n) for each step, as a rule fewer than ten; of many points, the steps look at the few outermost alone. */
 void FitCircle_MCC(const qPoint64f* points, std::size_t count, qPoint64f* center, double* radius, double* maxDistance,
                    double* minDistance, std::vector<qPoint64f>* maxDistPoints, std::vector<qPoint64f>* minDistPoints,
                    std::vector<qPoint64f>* controlPoints);

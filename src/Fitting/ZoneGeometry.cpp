@@ -1,7 +1,6 @@
 #include "Fitting/ZoneGeometry.h"
 
 #include "Common/Check.h"
-#include "Geometry/Voronoi.h"
 
 namespace Zvl
 {
@@ -10,10 +9,7 @@ void RequireUsablePoints(const char* function, const qPoint64f* points, std::siz
 {
     for (std::size_t i = 0; i < count; ++i)
     {
-        // Not the other way round: comparisons with NaN are false.
-        const bool isUsable =
-            std::fabs(points[i].x) <= kVoronoiLargestCoordinate && std::fabs(points[i].y) <= kVoronoiLargestCoordinate;
-        if (!isUsable)
+        if (!IsUsable(points[i]))
         {
             ZVL_THROW(function, STATUS_BAD_DATA);
         }

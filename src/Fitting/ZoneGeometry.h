@@ -3,6 +3,8 @@
 /** @file
  *  Points, lines and the tolerance of the form-tolerance circles. */
 
+#include "Geometry/Voronoi.h"
+
 #include <ZdkVisionLib/Common/Common.h>
 
 #include <cmath>
@@ -71,7 +73,13 @@ inline bool IsSamePoint(const qPoint64f& a, const qPoint64f& b)
     return std::fabs(a.x - b.x) < kZoneEpsilon && std::fabs(a.y - b.y) < kZoneEpsilon;
 }
 
-/** Throws #STATUS_BAD_DATA when a coordinate is not a number or too large for products of coordinates. */
+/** True when the coordinates are numbers and not too large for products of coordinates. */
+inline bool IsUsable(const qPoint64f& point)
+{
+    return std::fabs(point.x) <= kVoronoiLargestCoordinate && std::fabs(point.y) <= kVoronoiLargestCoordinate;
+}
+
+/** Throws #STATUS_BAD_DATA unless all points are usable. */
 void RequireUsablePoints(const char* function, const qPoint64f* points, std::size_t count);
 
 } // namespace Zvl

@@ -1,0 +1,168 @@
+#include "Fitting/CircleAroundFew.h"
+#include "Fitting/CircleCircumscribed.h"
+
+#include "ZoneSupport.h"
+
+namespace
+{
+
+using namespace ZoneSupport;
+using Zvl::DistPoint;
+using Zvl::ShrinkingCircle;
+using Zvl::Spreading;
+
+qPoint64f MeanOf(const Points& points)
+{
+    qPoint64f mean = {0.0, 0.0};
+    for (const qPoint64f& p : points)
+    {
+        mean.x += p.x;
+        mean.y += p.y;
+    }
+    return {mean.x / static_cast<double>(points.size()), mean.y / static_cast<double>(points.size())};
+}
+
+/** A disc with a random middle, in random order. */
+Points Disc(std::size_t count, std::uint64_t seed)
+{
+    std::mt19937_64 random(seed);
+    std::uniform_real_distribution<double> share(0.0, 1.0);
+    Points points(count);
+    for (qPoint64f& p : points)
+    {
+        const double radius = 10.0 * std::sqrt(share(random));
+        const double angle = 6.283185307179586 * share(random);
+        p = {25.0 + radius * std::cos(angle), -40.0 + radius * std::sin(angle)};
+    }
+    return points;
+}
+
+/** Point clouds of several forms, sizes, roundings and scales. */
+Points CloudOf(std::size_t count, std::uint64_t seed)
+{
+    Points points = seed % 4 == 0   ? Scattered(count, 30.0, seed)
+                    : seed % 4 == 1 ? LobedRing(count, 0.002 * static_cast<double>(1 + seed % 7), seed)
+                                    : Disc(count, seed);
+    std::mt19937_64 random(seed);
+    std::shuffle(points.begin(), points.end(), random);
+    const double grid = seed % 5 == 0 ? 16.0 : 0.0;
+    const double scale = seed % 11 == 0 ? std::pow(10.0, static_cast<double>(seed % 17) - 8.0) : 1.0;
+    for (qPoint64f& p : points)
+    {
+        p = grid > 0.0 ? qPoint64f{std::round(p.x * grid) / grid, std::round(p.y * grid) / grid} : p;
+        p = {p.x * scale, p.y * scale};
+    }
+    return points;
+}
+
+ShrinkingCircle SpreadAroundAll(const Points& points, Spreading& ending)
+{
+    std::vector<DistPoint> items;
+    for (const qPoint64f& p : points)
+    {
+        items.push_back({p, 0.0});
+    }
+    ShrinkingCircle circle = Zvl::CircleAround(MeanOf(points), items);
+    ending = Zvl::ShrinkUntilSpread(circle, [](const auto&, const auto&) { return true; });
+    return circle;
+}
+
+Points PointsOf(const std::vector<DistPoint>& items)
+{
+    Points points;
+    for (const DistPoint& item : items)
+    {
+        points.push_back(item.point);
+    }
+    return points;
+}
+
+TEST(SpreadAroundFew, EndsAsTheStepsOverAllPointsDo)
+{
+    std::size_t proven = 0;
+    std::size_t onDiameter = 0;
+    for (std::uint64_t seed = 1; seed <= 300; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        const Points points = CloudOf(seed % 10 == 0 ? 8000 : 50 + 7 * seed, seed);
+        const std::optional<ShrinkingCircle> few = Zvl::SpreadAroundFew(points, MeanOf(points));
+        if (!few.has_value())
+        {
+            continue;
+        }
+        Spreading ending{};
+        const ShrinkingCircle all = SpreadAroundAll(points, ending);
+        ASSERT_TRUE(ending == Spreading::Done || ending == Spreading::DoneOnDiameter);
+        ExpectPoints({few->center}, {all.center});
+        EXPECT_EQ(few->radius, all.radius);
+        ExpectPoints(PointsOf(few->tempControlPoints), PointsOf(all.tempControlPoints));
+        EXPECT_LT(few->pDistances.size(), std::max<std::size_t>(513, points.size()));
+        ++proven;
+        onDiameter += ending == Spreading::DoneOnDiameter ? 1 : 0;
+    }
+    EXPECT_GT(proven, 200U);
+    EXPECT_GT(onDiameter, 20U);
+}
+
+TEST(SpreadAroundFew, ManyPointsOnOneCircleMatterAllOrAreRefused)
+{
+    for (const std::size_t count : {128U, 1000U, 5000U})
+    {
+        const Points points = LobedRing(count, 1e-12, 1);
+        const Points circle = VoronoiSupport::Ring(count, {3.0, 4.0}, 5.0);
+        for (const Points& some : {points, circle})
+        {
+            const auto few = Zvl::SpreadAroundFew(some, MeanOf(some));
+            if (few.has_value())
+            {
+                Spreading ending{};
+                EXPECT_EQ(few->radius, SpreadAroundAll(some, ending).radius);
+            }
+        }
+    }
+}
+
+TEST(SpreadAroundFew, DegeneratePointsAreNothingToProve)
+{
+    for (const Points& points : DegeneratePoints())
+    {
+        const auto few = Zvl::SpreadAroundFew(points, MeanOf(points));
+        Spreading ending{};
+        const ShrinkingCircle all = SpreadAroundAll(points, ending);
+        if (few.has_value())
+        {
+            ASSERT_NE(ending, Spreading::Stuck);
+            ExpectPoints(PointsOf(few->tempControlPoints), PointsOf(all.tempControlPoints));
+        }
+    }
+}
+
+/** The circle with all its outputs, also the distance of the nearest point, from the steps over all points. */
+TEST(CircumscribedCircle, ManyPointsGiveWhatTheStepsOverAllOfThemGive)
+{
+    std::size_t compared = 0;
+    for (std::uint64_t seed = 1; seed <= 200; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        const Points points = CloudOf(128 + 11 * seed, seed);
+        Spreading ending{};
+        const ShrinkingCircle all = SpreadAroundAll(points, ending);
+        if (ending == Spreading::Stuck)
+        {
+            continue;
+        }
+        Points onCircle = PointsOf(all.tempControlPoints);
+        onCircle.resize(std::min<std::size_t>(onCircle.size(), 3));
+        const auto nearest = std::min_element(all.pDistances.begin(), all.pDistances.end(),
+                                              [](const DistPoint& a, const DistPoint& b) { return a.value < b.value; });
+        const Circle circle = FitTo(Zvl::FitCircle_MCC, points);
+        ExpectPoints(circle.controlPoints, onCircle);
+        ExpectPoints(circle.maxDistPoints, onCircle);
+        ExpectPoints(circle.minDistPoints, {nearest->point});
+        EXPECT_EQ(circle.minDistance, nearest->value);
+        ++compared;
+    }
+    EXPECT_GT(compared, 150U);
+}
+
+} // namespace
