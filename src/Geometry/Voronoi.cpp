@@ -40,6 +40,7 @@ struct Layout
 {
     VoronoiInternal* internal;
     VoronoiSite* sites;
+    std::uint32_t* stripEnds; ///< for sorting the sites, in the place of the queue, which is empty then
     VoronoiHalfEdge** queueItems;
     VoronoiBeachRun** table;
 };
@@ -62,9 +63,10 @@ Layout LayOut(std::size_t count, void* context, VoronoiAllocate allocate, Vorono
     }
     Stretches stretches(memory);
     auto* internal = new (stretches.Take(sizeof(VoronoiInternal))) VoronoiInternal(memory, context, allocate, release);
-    return {internal, static_cast<VoronoiSite*>(stretches.Take(sitesSize)),
-            static_cast<VoronoiHalfEdge**>(stretches.Take(queueSize)),
-            static_cast<VoronoiBeachRun**>(stretches.Take(tableSize))};
+    auto* sites = static_cast<VoronoiSite*>(stretches.Take(sitesSize));
+    void* queue = stretches.Take(queueSize);
+    auto* table = static_cast<VoronoiBeachRun**>(stretches.Take(tableSize));
+    return {internal, sites, static_cast<std::uint32_t*>(queue), static_cast<VoronoiHalfEdge**>(queue), table};
 }
 
 void RequireBox(const VoronoiRect& rect)
@@ -79,7 +81,7 @@ void RequireBox(const VoronoiRect& rect)
 void Build(const Layout& layout, std::span<const qPoint64f> points, const VoronoiRect* clip)
 {
     VoronoiInternal& internal = *layout.internal;
-    internal.sites = SortSites(points, clip, {layout.sites, points.size()});
+    internal.sites = SortSites(points, clip, {layout.stripEnds, points.size()}, {layout.sites, points.size()});
     const VoronoiRect box = clip != nullptr ? *clip : BoxAround(points.first(internal.sites.size()));
     internal.min = box.min;
     internal.max = box.max;

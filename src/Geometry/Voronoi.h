@@ -96,9 +96,12 @@ struct VoronoiGraphEdge
 {
     VoronoiGraphEdge* next; ///< the next one counter-clockwise; null at the end, which the first one follows
     VoronoiEdge* edge;
-    VoronoiSite* neighbor; ///< null on the border of the box
-    qPoint64f pos[2];      ///< the ends, counter-clockwise about the site
-    double angle;          ///< direction from the site to the middle of the edge, from 0 to 2 pi
+    union
+    {
+        VoronoiSite* neighbor; ///< null on the border of the box
+        double angle;          ///< while the cell is sorted: that of AngleTo()
+    };
+    qPoint64f pos[2]; ///< the ends, counter-clockwise about the site
 };
 
 /** A corner of cells. One that was merged into another stays in the list without edges. */

@@ -10,14 +10,11 @@ namespace
  *  faster. */
 constexpr std::int32_t kShortBeach = 32;
 
-/** Bisectors whose squared determinant is below this count as parallel. */
-constexpr double kParallelBelow = 9.99999993922529e-9;
-
 /** IsRightOf() for a steep bisector, `x + b y = c`, which is above or below the site's parabola in most cases by its
  *  slope alone. */
-bool IsAboveSteep(const VoronoiEdge& edge, const qPoint64f& p, double dx, double dy, bool isRight)
+bool IsAboveSteep(const VoronoiHalfEdge& halfEdge, const qPoint64f& p, double dx, double dy, bool isRight)
 {
-    const double slope = edge.line.b;
+    const double slope = halfEdge.line.b;
     bool above;
     bool decided;
     if ((!isRight && slope < 0.0) || (isRight && slope >= 0.0))
@@ -27,13 +24,13 @@ bool IsAboveSteep(const VoronoiEdge& edge, const qPoint64f& p, double dx, double
     }
     else
     {
-        above = p.x + p.y * slope > edge.c;
+        above = p.x + p.y * slope > halfEdge.c;
         above = slope < 0.0 ? !above : above;
         decided = !above;
     }
     if (!decided)
     {
-        const double between = edge.sites[1]->p.x - edge.sites[0]->p.x;
+        const double between = halfEdge.top.x - halfEdge.edge->sites[0]->p.x;
         above = between * dy * (1.0 + 2.0 * dx / between + slope * slope) > slope * (dx * dx - dy * dy);
         above = slope < 0.0 ? !above : above;
     }
@@ -41,11 +38,11 @@ bool IsAboveSteep(const VoronoiEdge& edge, const qPoint64f& p, double dx, double
 }
 
 /** IsRightOf() for a flat bisector, `a x + y = c`: the distance to the bisector's point at p.x decides. */
-bool IsAboveFlat(const VoronoiEdge& edge, const qPoint64f& p, double dx)
+bool IsAboveFlat(const VoronoiHalfEdge& halfEdge, const qPoint64f& p, double dx)
 {
-    const double y = edge.c - edge.line.a * p.x;
+    const double y = halfEdge.c - halfEdge.line.a * p.x;
     const double toPoint = p.y - y;
-    const double toSite = y - edge.sites[1]->p.y;
+    const double toSite = y - halfEdge.top.y;
     return toPoint * toPoint > dx * dx + toSite * toSite;
 }
 
@@ -53,40 +50,20 @@ bool IsAboveFlat(const VoronoiEdge& edge, const qPoint64f& p, double dx)
 
 bool IsRightOf(const VoronoiHalfEdge& halfEdge, const qPoint64f& p)
 {
-    const VoronoiEdge& edge = *halfEdge.edge;
-    const qPoint64f& top = edge.sites[1]->p;
+    const qPoint64f& top = halfEdge.top;
     const bool isRight = p.x > top.x;
     if (isRight == (halfEdge.direction == kLeft))
     {
         return isRight;
     }
     const double dx = p.x - top.x;
-    const bool above = edge.line.a == 1.0 ? IsAboveSteep(edge, p, dx, p.y - top.y, isRight) : IsAboveFlat(edge, p, dx);
+    const bool above =
+        halfEdge.line.a == 1.0 ? IsAboveSteep(halfEdge, p, dx, p.y - top.y, isRight) : IsAboveFlat(halfEdge, p, dx);
     return above == (halfEdge.direction == kLeft);
 }
 
-std::optional<qPoint64f> VoronoiIntersect(const VoronoiHalfEdge& left, const VoronoiHalfEdge& right)
-{
-    const VoronoiEdge* e1 = left.edge;
-    const VoronoiEdge* e2 = right.edge;
-    if (e1 == nullptr || e2 == nullptr || e1->sites[1] == e2->sites[1])
-    {
-        return std::nullopt;
-    }
-    const double d = e1->line.a * e2->line.b - e1->line.b * e2->line.a;
-    if (d * d < kParallelBelow)
-    {
-        return std::nullopt;
-    }
-    const qPoint64f crossing = {(e1->c * e2->line.b - e2->c * e1->line.b) / d,
-                                (e1->line.a * e2->c - e2->line.a * e1->c) / d};
-    const VoronoiHalfEdge& lower = ComesBefore(e1->sites[1]->p, e2->sites[1]->p) ? left : right;
-    const bool isRight = crossing.x >= lower.edge->sites[1]->p.x;
-    return isRight == (lower.direction == kLeft) ? std::nullopt : std::optional(crossing);
-}
-
 VoronoiBeach::VoronoiBeach(VoronoiArena& memory, VoronoiBeachRun** tableMemory)
-    : arena(memory), index(memory, tableMemory), leftEnd(New(nullptr, kLeft)), rightEnd(New(nullptr, kLeft))
+    : arena(memory), index(memory, tableMemory), leftEnd(New()), rightEnd(New())
 {
     leftEnd->right = rightEnd;
     rightEnd->left = leftEnd;
@@ -122,7 +99,8 @@ VoronoiHalfEdge* VoronoiBeach::FindArc(const qPoint64f& p, const qPoint64f& min,
 
 VoronoiHalfEdge* VoronoiBeach::InsertAfter(VoronoiHalfEdge* previous, VoronoiEdge* edge, std::int32_t direction)
 {
-    VoronoiHalfEdge* added = New(edge, direction);
+    VoronoiHalfEdge* added = New();
+    added->PutOn(*edge, direction);
     index.InsertAfter(previous == leftEnd ? nullptr : previous, added);
     LinkAfter(previous, added);
     return added;
@@ -132,7 +110,8 @@ VoronoiHalfEdge* VoronoiBeach::ReplacePair(VoronoiHalfEdge* halfEdge, VoronoiEdg
 {
     VoronoiHalfEdge* previous = halfEdge->left;
     VoronoiHalfEdge* second = halfEdge->right;
-    VoronoiHalfEdge* added = New(edge, direction);
+    VoronoiHalfEdge* added = New();
+    added->PutOn(*edge, direction);
     VoronoiBeachIndex::Replace(halfEdge, added);
     index.Remove(second);
     Unlink(halfEdge);
@@ -141,7 +120,7 @@ VoronoiHalfEdge* VoronoiBeach::ReplacePair(VoronoiHalfEdge* halfEdge, VoronoiEdg
     return added;
 }
 
-VoronoiHalfEdge* VoronoiBeach::New(VoronoiEdge* edge, std::int32_t direction)
+VoronoiHalfEdge* VoronoiBeach::New()
 {
     VoronoiHalfEdge* halfEdge = free;
     if (halfEdge != nullptr)
@@ -153,8 +132,6 @@ VoronoiHalfEdge* VoronoiBeach::New(VoronoiEdge* edge, std::int32_t direction)
     {
         halfEdge = arena.New<VoronoiHalfEdge>("Zvl::GenerateVoronoi");
     }
-    halfEdge->edge = edge;
-    halfEdge->direction = direction;
     return halfEdge;
 }
 

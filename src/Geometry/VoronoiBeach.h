@@ -33,7 +33,7 @@ public:
     VoronoiHalfEdge* ReplacePair(VoronoiHalfEdge* halfEdge, VoronoiEdge* edge, std::int32_t direction);
 
 private:
-    VoronoiHalfEdge* New(VoronoiEdge* edge, std::int32_t direction);
+    VoronoiHalfEdge* New();
     void LinkAfter(VoronoiHalfEdge* previous, VoronoiHalfEdge* added);
     void Unlink(VoronoiHalfEdge* removed);
 
@@ -49,7 +49,26 @@ private:
  *  compared with the parabola that the arc of the upper site and the bisector describe. */
 bool IsRightOf(const VoronoiHalfEdge& halfEdge, const qPoint64f& p);
 
+/** Bisectors whose squared determinant is below this count as parallel. */
+inline constexpr double kVoronoiParallelBelow = 9.99999993922529e-9;
+
 /** Where two neighbouring breakpoints meet, if they do. */
-std::optional<qPoint64f> VoronoiIntersect(const VoronoiHalfEdge& left, const VoronoiHalfEdge& right);
+inline std::optional<qPoint64f> VoronoiIntersect(const VoronoiHalfEdge& left, const VoronoiHalfEdge& right)
+{
+    if (left.edge == nullptr || right.edge == nullptr || left.edge->sites[1] == right.edge->sites[1])
+    {
+        return std::nullopt;
+    }
+    const double d = left.line.a * right.line.b - left.line.b * right.line.a;
+    if (d * d < kVoronoiParallelBelow)
+    {
+        return std::nullopt;
+    }
+    const qPoint64f crossing = {(left.c * right.line.b - right.c * left.line.b) / d,
+                                (left.line.a * right.c - right.line.a * left.c) / d};
+    const VoronoiHalfEdge& lower = ComesBefore(left.top, right.top) ? left : right;
+    const bool isRight = crossing.x >= lower.top.x;
+    return isRight == (lower.direction == kLeft) ? std::nullopt : std::optional(crossing);
+}
 
 } // namespace Zvl

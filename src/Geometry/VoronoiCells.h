@@ -31,6 +31,8 @@ public:
 private:
     static constexpr std::size_t kAhead = 8;
 
+    static void Fetch(const VoronoiEdge* edge);
+
     std::span<VoronoiSite> sites;
     std::size_t next = 0;
     const VoronoiEdge* links[kAhead] = {}; // of the site with this remainder

@@ -1,7 +1,6 @@
 #include "Geometry/VoronoiGaps.h"
 
 #include "Common/Check.h"
-#include "Geometry/VoronoiCells.h"
 
 #include <cmath>
 #include <optional>
@@ -45,7 +44,11 @@ public:
     }
 
 private:
-    bool IsOnBorder(const qPoint64f& p) const { return p.x == min.x || p.x == max.x || p.y == min.y || p.y == max.y; }
+    bool IsOnBorder(const qPoint64f& p) const
+    {
+        const bool isOnSide = (p.x == min.x) | (p.x == max.x); // nearly always false: not worth a branch each
+        return isOnSide | (p.y == min.y) | (p.y == max.y);
+    }
 
     /** The next corner of the box from a point on its border, counter-clockwise. */
     std::optional<qPoint64f> NextCorner(const qPoint64f& p) const
@@ -74,8 +77,7 @@ private:
     bool FillBetween(VoronoiGraphEdge& current, const qPoint64f& target)
     {
         const qPoint64f& end = current.pos[1];
-        const bool meets = end.x == target.x && end.y == target.y;
-        if (meets || !IsOnBorder(end))
+        if (!IsOnBorder(end) || (end.x == target.x && end.y == target.y))
         {
             return true;
         }
@@ -121,7 +123,6 @@ private:
         gap->edge = edge;
         gap->pos[0] = begin;
         gap->pos[1] = end;
-        gap->angle = AngleTo(site, begin, end);
         return gap;
     }
 

@@ -14,14 +14,27 @@ struct VoronoiBeachRun;
  *  neighbour. */
 struct VoronoiHalfEdge
 {
-    VoronoiEdge* edge; ///< null for the two ends of the beach line
+    VoronoiLine line; ///< of the edge, together with c and the upper site: the search for an arc looks at nothing else
+    double c;
+    qPoint64f top;
+    std::int32_t direction;
+    std::int32_t pqpos; ///< position in the queue; 0 when it was never queued
+    VoronoiEdge* edge;  ///< null for the two ends of the beach line
     VoronoiHalfEdge* left;
     VoronoiHalfEdge* right;
     VoronoiBeachRun* run; ///< where the index of the beach line lists it
     qPoint64f vertex;     ///< where it meets its right neighbour
     double y;             ///< sweep position at which it does, the event's key
-    std::int32_t direction;
-    std::int32_t pqpos; ///< position in the queue; 0 when it was never queued
+
+    /** @param towards the way along the edge */
+    void PutOn(VoronoiEdge& onEdge, std::int32_t towards)
+    {
+        edge = &onEdge;
+        line = onEdge.line;
+        c = onEdge.c;
+        top = onEdge.sites[1]->p;
+        direction = towards;
+    }
 };
 
 /** Which way a breakpoint moves along its edge, and which end of the edge it draws. */

@@ -16,6 +16,7 @@ namespace
 
 constexpr std::size_t kBytesPerSite = 1200; // a little more than blocks take, so that one slab is enough
 constexpr std::size_t kSmallestSlab = std::size_t{64} << 10U;
+constexpr std::size_t kLargePage = std::size_t{2} << 20U;
 constexpr std::size_t kLargestSlab = std::size_t{16} << 20U;
 constexpr std::size_t kAlignment = alignof(std::max_align_t);
 
@@ -23,7 +24,6 @@ constexpr std::size_t kAlignment = alignof(std::max_align_t);
 void AskForLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size)
 {
 #if defined(MADV_HUGEPAGE)
-    constexpr std::size_t kLargePage = std::size_t{2} << 20U;
     const auto start = reinterpret_cast<std::uintptr_t>(memory);
     const std::uintptr_t first = (start + kLargePage - 1) / kLargePage * kLargePage;
     const std::uintptr_t last = (start + size) / kLargePage * kLargePage;
@@ -32,6 +32,18 @@ void AskForLargePages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_
         madvise(static_cast<char*>(memory) + (first - start), last - first, MADV_HUGEPAGE);
     }
 #endif
+}
+
+/** The largest slabs, of which there are many, are large pages all through. A single smaller one stays with the heap from
+ *  one diagram to the next, which memory aligned so does not. */
+void* TakeSlab(std::size_t size)
+{
+    void* memory = size < kLargestSlab ? std::malloc(size) : std::aligned_alloc(kLargePage, size);
+    if (memory != nullptr)
+    {
+        AskForLargePages(memory, size);
+    }
+    return memory;
 }
 
 } // namespace
@@ -81,16 +93,16 @@ void VoronoiHeap::ReleaseOne()
 bool VoronoiHeap::AddSlab(std::size_t size)
 {
     static_assert(sizeof(Slab) % kAlignment == 0);
-    const std::size_t room = std::max(size, slabSize);
-    void* memory = std::malloc(sizeof(Slab) + room);
+    const std::size_t wanted = std::max(sizeof(Slab) + size, slabSize);
+    const std::size_t whole = wanted < kLargestSlab ? wanted : (wanted + kLargePage - 1) / kLargePage * kLargePage;
+    void* memory = TakeSlab(whole);
     if (memory == nullptr)
     {
         return false;
     }
-    AskForLargePages(memory, sizeof(Slab) + room);
-    slabs = new (memory) Slab{slabs, room};
+    slabs = new (memory) Slab{slabs, whole - sizeof(Slab)};
     position = static_cast<char*>(memory) + sizeof(Slab);
-    remaining = room;
+    remaining = whole - sizeof(Slab);
     return true;
 }
 

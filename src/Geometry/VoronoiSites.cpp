@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace Zvl
 {
@@ -35,18 +36,78 @@ void CheckPoint(const qPoint64f& p, const VoronoiRect* clip)
     }
 }
 
+/** Level strips from the lowest point to the highest, as many as there are points. */
+class Strips
+{
+public:
+    explicit Strips(std::span<const qPoint64f> points)
+    {
+        const auto [low, high] = std::minmax_element(points.begin(), points.end(),
+                                                     [](const qPoint64f& a, const qPoint64f& b) { return a.y < b.y; });
+        const double perUnit = static_cast<double>(points.size()) / (high->y - low->y);
+        if (std::isfinite(high->y - low->y) && std::isfinite(perUnit)) // else all points are in the first one
+        {
+            lowest = low->y;
+            stripsPerUnit = perUnit;
+            last = static_cast<double>(points.size() - 1);
+        }
+    }
+
+    /** Never falls as y rises. */
+    std::size_t StripOf(double y) const
+    {
+        return last > 0.0 ? static_cast<std::size_t>(std::min((y - lowest) * stripsPerUnit, last)) : 0;
+    }
+
+private:
+    double lowest = 0.0;
+    double stripsPerUnit = 0.0;
+    double last = 0.0;
+};
+
+/** The sweep order; among equal points that of the input. */
+bool SortsBefore(const VoronoiSite& a, const VoronoiSite& b)
+{
+    const bool isSame = a.p.x == b.p.x && a.p.y == b.p.y;
+    return isSame ? a.index < b.index : ComesBefore(a.p, b.p);
+}
+
+/** Puts each point into its strip, and sorts within the strips, which hold one point on average.
+ *  @param ends room for a number for each point */
+void SortByStrips(std::span<const qPoint64f> points, std::span<std::uint32_t> ends, std::span<VoronoiSite> sites)
+{
+    const Strips strips(points);
+    std::fill(ends.begin(), ends.end(), 0);
+    for (const qPoint64f& p : points)
+    {
+        ++ends[strips.StripOf(p.y)];
+    }
+    std::exclusive_scan(ends.begin(), ends.end(), ends.begin(), std::uint32_t{0});
+    for (std::size_t i = 0; i < points.size(); ++i)
+    {
+        sites[ends[strips.StripOf(points[i].y)]++] = {points[i], static_cast<std::int32_t>(i), {nullptr}};
+    }
+    auto begin = sites.begin();
+    for (const std::uint32_t end : ends)
+    {
+        std::sort(begin, sites.begin() + end, SortsBefore);
+        begin = sites.begin() + end;
+    }
+}
+
 } // namespace
 
 std::span<VoronoiSite> SortSites(std::span<const qPoint64f> points, const VoronoiRect* clip,
-                                 std::span<VoronoiSite> sites)
+                                 std::span<std::uint32_t> room, std::span<VoronoiSite> sites)
 {
-    for (std::size_t i = 0; i < points.size(); ++i)
+    for (const qPoint64f& p : points)
     {
-        CheckPoint(points[i], clip);
-        sites[i] = {points[i], static_cast<std::int32_t>(i), {nullptr}};
+        CheckPoint(p, clip);
     }
-    std::sort(sites.begin(), sites.end(),
-              [](const VoronoiSite& a, const VoronoiSite& b) { return ComesBefore(a.p, b.p); });
+    if (!points.empty())
+    {
+        SortByStrips(points, room, sites);
+    }
     const auto isSame = [](const VoronoiSite& a, const VoronoiSite& b) { return a.p.x == b.p.x && a.p.y == b.p.y; };
     auto end = std::unique(sites.begin(), sites.end(), isSame);
     if (clip != nullptr)

@@ -163,6 +163,17 @@ private:
     bool hasMerged = false;
 };
 
+constexpr std::size_t kAhead = 6;
+
+/** Fetches the edges of a cell into the cache. Cells lie in memory as they are walked around, but their edges do not. */
+void FetchEdges(const VoronoiSite& site)
+{
+    for (const VoronoiGraphEdge* graphEdge = site.edges; graphEdge != nullptr; graphEdge = graphEdge->next)
+    {
+        __builtin_prefetch(&graphEdge->edge->vertices);
+    }
+}
+
 } // namespace
 
 void BuildVoronoiVertices(VoronoiDiagram* diagram)
@@ -173,9 +184,14 @@ void BuildVoronoiVertices(VoronoiDiagram* diagram)
         return;
     }
     VertexLinker linker(*diagram->internal);
-    for (const VoronoiSite& site : diagram->internal->sites)
+    const std::span<const VoronoiSite> sites = diagram->internal->sites;
+    for (std::size_t i = 0; i < sites.size(); ++i)
     {
-        linker.WalkAround(site);
+        if (i + kAhead < sites.size())
+        {
+            FetchEdges(sites[i + kAhead]);
+        }
+        linker.WalkAround(sites[i]);
     }
     linker.Redirect();
 }

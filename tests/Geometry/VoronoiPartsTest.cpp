@@ -2,12 +2,14 @@
 #include "Geometry/VoronoiClip.h"
 #include "Geometry/VoronoiHeap.h"
 #include "Geometry/VoronoiQueue.h"
+#include "Geometry/VoronoiSites.h"
 
 #include "support/ExpectThrow.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
-#include <list>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -252,6 +254,64 @@ TEST(VoronoiBeachIndex, FindsAmongWhatWasInsertedReplacedAndRemoved)
     }
 }
 
+std::vector<VoronoiSite> SortedSites(const std::vector<qPoint64f>& points)
+{
+    std::vector<std::uint32_t> room(points.size());
+    std::vector<VoronoiSite> sites(points.size());
+    sites.resize(Zvl::SortSites(points, nullptr, room, sites).size());
+    return sites;
+}
+
+/** Sorts by y, then x, then place, and drops what equals its predecessor. */
+void ExpectSweepOrder(const std::vector<qPoint64f>& points)
+{
+    std::vector<std::int32_t> order(points.size());
+    std::iota(order.begin(), order.end(), 0);
+    const auto keyOf = [&points](std::int32_t index)
+    {
+        const qPoint64f& p = points[static_cast<std::size_t>(index)];
+        return std::pair(p.y, p.x);
+    };
+    std::stable_sort(order.begin(), order.end(), [&](std::int32_t a, std::int32_t b) { return keyOf(a) < keyOf(b); });
+    order.erase(
+        std::unique(order.begin(), order.end(), [&](std::int32_t a, std::int32_t b) { return keyOf(a) == keyOf(b); }),
+        order.end());
+    const std::vector<VoronoiSite> sites = SortedSites(points);
+    ASSERT_EQ(sites.size(), order.size());
+    for (std::size_t i = 0; i < sites.size(); ++i)
+    {
+        ASSERT_EQ(sites[i].index, order[i]);
+        ASSERT_EQ(std::pair(sites[i].p.y, sites[i].p.x), keyOf(order[i]));
+    }
+}
+
+TEST(VoronoiSites, ComeInSweepOrderWhateverTheirHeights)
+{
+    std::mt19937 random(4);
+    std::uniform_real_distribution<double> number(-1.0, 1.0);
+    for (const std::size_t count : {0U, 1U, 2U, 17U, 3000U})
+    {
+        for (int kind = 0; kind < 8; ++kind)
+        {
+            std::vector<qPoint64f> points(count);
+            for (qPoint64f& p : points)
+            {
+                const double y = number(random);
+                const double heights[] = {y,   // uniform
+                                          0.5, // level
+                                          std::round(4.0 * y),
+                                          std::pow(y, 21.0), // most of them in one strip
+                                          1e100 * y,
+                                          y > 0.9 ? 1e100 : y,
+                                          5e-324 * std::round(2.0 * y), // a height that has no reciprocal
+                                          1e8 + 1e-8 * std::round(3.0 * y)};
+                p = {std::round(3.0 * number(random)), heights[kind]};
+            }
+            ExpectSweepOrder(points);
+        }
+    }
+}
+
 /** The edge `a x + b y = c`. */
 VoronoiEdge EdgeOn(double a, double b, double c)
 {
@@ -314,8 +374,7 @@ struct Breakpoint
     {
         edge.sites[0] = &bottom;
         edge.sites[1] = &top;
-        halfEdge.edge = &edge;
-        halfEdge.direction = direction;
+        halfEdge.PutOn(edge, direction);
     }
     Breakpoint(const Breakpoint&) = delete;
     Breakpoint& operator=(const Breakpoint&) = delete;

@@ -1,5 +1,6 @@
 #include "VoronoiSupport.h"
 
+#include "Geometry/VoronoiCells.h"
 #include "support/ExpectThrow.h"
 
 #include <cstdlib>
@@ -76,7 +77,7 @@ TEST(Voronoi, TwoSitesShareOneEdgeBetweenTheBorders)
     EXPECT_EQ(left.index, 1);
     EXPECT_EQ(right.index, 0);
     EXPECT_EQ(left.edges->neighbor, &right);
-    EXPECT_EQ(left.edges->angle, 0.0);
+    EXPECT_EQ(Zvl::AngleTo(left, left.edges->pos[0], left.edges->pos[1]), 0.0);
     ExpectCorners(left.edges, {{2.0, 11.0}, {-10.0, 11.0}, {-10.0, -9.0}, {2.0, -9.0}});
     ExpectCorners(right.edges, {{2.0, -9.0}, {14.0, -9.0}, {14.0, 11.0}, {2.0, 11.0}});
     EXPECT_EQ(right.edges->neighbor, &left);
@@ -101,19 +102,40 @@ TEST(Voronoi, FourCocircularSitesMeetInOneVertex)
     EXPECT_EQ(inside, 1U);
 }
 
+/** Cells of few and of many edges, with directions that differ clearly, hardly, or by a zero's sign. */
+std::vector<Points> SitesOfManyCells()
+{
+    Points star = VoronoiSupport::Ring(60, {50.0, 50.0}, 40.0);
+    star.push_back({50.0, 50.0});
+    Points turnedStar = VoronoiSupport::Ring(23, {50.0, 50.0}, 40.0);
+    turnedStar.push_back({50.0, 50.0});
+    Points close = RandomSites(60, 1e-6, 3);
+    close.push_back({5.0, 5.0});
+    return {RandomSites(2000, 100.0, 9),
+            VoronoiSupport::Grid(20, 20),
+            star,
+            turnedStar,
+            VoronoiSupport::Ring(500, {7.0, -9.0}, 40.0),
+            close};
+}
+
 TEST(Voronoi, EdgesAreSortedByAngleFromTheXAxis)
 {
-    Diagram diagram(RandomSites(100, 10.0, 9));
-    for (const Zvl::VoronoiSite& site : diagram.Sites())
+    for (const Points& points : SitesOfManyCells())
     {
-        double last = 0.0;
-        for (const VoronoiGraphEdge* edge = site.edges; edge != nullptr; edge = edge->next)
+        Diagram diagram(points);
+        for (const Zvl::VoronoiSite& site : diagram.Sites())
         {
-            if (edge->neighbor != nullptr)
+            double last = 0.0;
+            for (const VoronoiGraphEdge* edge = site.edges; edge != nullptr; edge = edge->next)
             {
-                EXPECT_GE(edge->angle, last);
-                EXPECT_LE(edge->angle, 6.2831854820251465);
-                last = edge->angle;
+                if (edge->neighbor != nullptr)
+                {
+                    const double angle = Zvl::AngleTo(site, edge->pos[0], edge->pos[1]);
+                    ASSERT_GE(angle, last);
+                    ASSERT_LE(angle, 6.2831854820251465);
+                    last = angle;
+                }
             }
         }
     }
