@@ -1,26 +1,11 @@
 #include "Filter/LineFilters.h"
-
-#include <cstring>
+#include "Filter/MissingCells.h"
 
 namespace Zvl
 {
 
 namespace
 {
-
-/** Cells that are copied at once where none is missing. */
-constexpr std::size_t kStretch = 64;
-
-/** True when no cell is missing: the null is the lowest value. */
-bool StretchIsWhole(const std::int16_t* cells)
-{
-    std::int16_t lowest = cells[0];
-    for (std::size_t i = 1; i < kStretch; ++i)
-    {
-        lowest = std::min(lowest, cells[i]);
-    }
-    return lowest != kMissingHeight;
-}
 
 /** Closes gaps as its limits say. */
 class GapFiller
@@ -35,7 +20,7 @@ public:
     void Close(std::size_t last, std::size_t next) const
     {
         const auto gap = static_cast<std::int64_t>(next - last);
-        if (gap <= 1 || gap > maxGap)
+        if (gap > maxGap)
         {
             return;
         }
@@ -78,32 +63,19 @@ private:
 /** Results may be written over the source: a filled cell is not read again, and the others keep their value. */
 void FillLineGaps(const HeightLine& line, int maxGap, int maxSlope, bool fillHigh)
 {
-    const GapFiller filler(line, maxGap, maxSlope, fillHigh);
-    bool started = false;
-    std::size_t last = 0;
-    std::size_t i = 0;
-    while (i < line.size)
+    if (!CopyAndLook(line.source, line.result, line.size))
     {
-        const bool afterValid = started && last + 1 == i;
-        if (afterValid && i % kStretch == 0 && line.size - i >= kStretch && StretchIsWhole(line.source + i))
-        {
-            std::memmove(line.result + i, line.source + i, kStretch * sizeof(std::int16_t)); // to itself, in one buffer
-            i += kStretch;
-            last = i - 1;
-            continue;
-        }
-        line.result[i] = line.source[i];
-        if (line.source[i] != kMissingHeight)
-        {
-            if (started)
-            {
-                filler.Close(last, i);
-            }
-            started = true;
-            last = i;
-        }
-        ++i;
+        return;
     }
+    const GapFiller filler(line, maxGap, maxSlope, fillHigh);
+    ForEachMissingRun(line.source, line.size,
+                      [&](std::size_t begin, std::size_t end)
+                      {
+                          if (begin > 0 && end < line.size)
+                          {
+                              filler.Close(begin - 1, end);
+                          }
+                      });
 }
 
 } // namespace Zvl

@@ -5,7 +5,7 @@
  *  gaps in it, so that it comes from memory only once. */
 
 #include "Common/Cells.h"
-#include "Filter/SurfaceFillGapMissing.h"
+#include "Filter/MissingCells.h"
 
 #include <algorithm>
 

@@ -43,8 +43,9 @@ public:
      *   - #STATUS_BAD_PARAMETER when an array has been given another type or size since the construction
      *   - the platform's status when memory runs out; the output array is then as it was
      *
-     *  Time linear in the cells, whatever the window; memory for one more array of the same size, for some rows more,
-     *  and, in each call after the first, for a copy of the array. */
+     *  Time linear in the cells, whatever the window; memory for as many rows as the window has, for one more array when
+     *  the window has more than 65,535 cells or the map is very narrow, and, in each call after the first, for a copy of
+     *  the array. */
     SurfaceFilter& Average(Point2d<std::size_t> window, int keepNulls);
 
 private:

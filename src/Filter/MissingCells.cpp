@@ -1,11 +1,11 @@
-#include "Filter/SurfaceFillGapMissing.h"
+#include "Filter/MissingCells.h"
 
 #include <ZdkVisionLib/Common/Common.h>
 
 #include <limits>
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "Filter/SurfaceFillGapMissing.cpp"
+#define HWY_TARGET_INCLUDE "Filter/MissingCells.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
