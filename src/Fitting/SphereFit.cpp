@@ -64,11 +64,10 @@ void FitWithRejection(const qPoint3d64f* points, std::size_t count, double outli
         sphere = equations.Solve();
     }
 
+    std::vector<qPoint3d64f> kept = outputs.keptPoints != nullptr ? rejection.KeptPoints() : std::vector<qPoint3d64f>();
     outputs.Write(sphere);
-    std::vector<qPoint3d64f> kept;
     if (outputs.keptPoints != nullptr)
     {
-        kept = rejection.KeptPoints();
         outputs.keptPoints->swap(kept);
     }
     if (outputs.outlierPoints != nullptr)

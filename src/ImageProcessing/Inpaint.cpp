@@ -250,17 +250,17 @@ void Inpaint(cv::Mat& source, cv::Mat& mask, cv::Mat& destination, double range,
 {
     CheckDimensions(source);
     CheckDimensions(mask);
-    // Headers of their own keep the cells when the destination, which may be one of the two, is made anew.
-    cv::Mat input_hdr = source;
-    const cv::Mat mask_hdr = mask; // NOLINT(performance-unnecessary-copy-initialization)
-    destination.create(input_hdr.size(), input_hdr.type());
-    cv::Mat output_hdr = destination;
-    if (OverlapInPart(input_hdr, output_hdr))
-    {
-        input_hdr = input_hdr.clone();
-    }
     try
     {
+        // Headers of their own keep the cells when the destination, which may be one of the two, is made anew.
+        cv::Mat input_hdr = source;
+        const cv::Mat mask_hdr = mask; // NOLINT(performance-unnecessary-copy-initialization)
+        destination.create(input_hdr.size(), input_hdr.type());
+        cv::Mat output_hdr = destination;
+        if (OverlapInPart(input_hdr, output_hdr))
+        {
+            input_hdr = input_hdr.clone();
+        }
         icvInpaint(input_hdr, mask_hdr, output_hdr, range, flags);
     }
     catch (const std::bad_alloc&)

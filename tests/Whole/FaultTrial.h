@@ -82,9 +82,6 @@ public:
     /** Whether a call that failed does its work when it is made again. */
     bool Repeats() const { return fault.mode == TestSupport::Failing::OnlyNth; }
 
-    /** Whether it is `new` that fails. */
-    bool LacksNew() const { return fault.kind == kNew; }
-
     qAlloc allocator; ///< for the function's allocator argument
 
 private:

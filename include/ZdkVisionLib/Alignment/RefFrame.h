@@ -91,7 +91,8 @@ public:
      *  Source: S. Umeyama, Least-Squares Estimation of Transformation Parameters Between Two Point Patterns,
      *  1991.
      *  @throws Zo::Exception #STATUS_BAD_DATA when the sizes differ or are below 2; the frame is then as it
-     *         was */
+     *         was
+     *  @throws cv::Exception or std::bad_alloc when OpenCV has no memory; the frame is then the identity */
     void SetFrame(const std::vector<qPoint64f>& a, const std::vector<qPoint64f>& b);
 
     RefFrame& Translate(double x, double y, double z);
@@ -169,7 +170,7 @@ private:
  *  @param transform receives R and t
  *  @return #STATUS_OK; #STATUS_BAD_PARAMETER, with @p transform as it was, when it is null or the sizes
  *         differ, are below 3 or above the largest `int`; else the status of qL3dTransform3d_Identity()
- *  @throws cv::Exception only when OpenCV fails, as for want of memory */
+ *  @throws cv::Exception or std::bad_alloc only when OpenCV fails, as for want of memory */
 ZDK_VISION_EXPORT int EstimateRigidTransformation(const std::vector<qPoint3d64f>& source,
                                                   const std::vector<qPoint3d64f>& target, qL3dTransform3d* transform);
 

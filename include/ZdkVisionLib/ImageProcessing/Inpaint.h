@@ -46,7 +46,7 @@ enum InpaintMethod : int
  *   - `cv::Error::StsOutOfRange` when an image has 2^31 - 3 rows or columns or more, or 2^32 cells
  *  @throws cv::Exception with the function name "Zvl::Inpaint": `cv::Error::StsAssert`, "m.dims <= 2", when an image has more
  *          than two dimensions; @p destination is then as it was
- *  @throws cv::Exception `cv::Error::StsNoMem` from OpenCV when memory is exhausted. When it does not suffice for the
+ *  @throws cv::Exception `cv::Error::StsNoMem` when memory is exhausted, std::bad_alloc when it does not even suffice for that. When it does not suffice for the
  *          front, nothing is thrown, and @p destination is a copy.
  *
  *  With n cells in the holes and around them, time proportional to n (log n + range^2), and some steps for each cell of the
