@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <numeric>
+#include <random>
 
 namespace Survey
 {
@@ -54,9 +56,14 @@ void Calibrate(Timed& timed)
     }
 }
 
-/** Seconds of one call. */
+/** Seconds of one call. A call that is not timed goes before many short ones, so that nobody pays for what the action before
+ *  has left in the cache, or gains from it. */
 double Sample(const Timed& timed)
 {
+    if (timed.callsPerReading > 1)
+    {
+        timed.run();
+    }
     double total = 0.0;
     int calls = 0;
     while (total < 0.9 * kSampleSeconds) // a reading that was estimated as a whole sample is one
@@ -67,14 +74,19 @@ double Sample(const Timed& timed)
     return total / calls;
 }
 
-/** The median seconds of a call of each, of samples taken in turn. */
+/** The median seconds of a call of each, of samples taken in turn, in another order each time: what went before makes a
+ *  difference. */
 std::vector<double> MedianSeconds(std::vector<Timed> timed, int samples)
 {
     std::for_each(timed.begin(), timed.end(), Calibrate);
     std::vector<std::vector<double>> seconds(timed.size());
+    std::vector<std::size_t> order(timed.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::minstd_rand random;
     for (int i = 0; i < samples; ++i)
     {
-        for (std::size_t j = 0; j < timed.size(); ++j)
+        std::shuffle(order.begin(), order.end(), random);
+        for (const std::size_t j : order)
         {
             seconds[j].push_back(Sample(timed[j]));
         }
