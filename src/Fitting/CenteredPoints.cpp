@@ -45,12 +45,21 @@ TriangularFactor CenteredPoints::Factor() const
 
 double CenteredPoints::Reach() const
 {
-    double reach = 0.0;
-    for (std::size_t i = 0; i < count; ++i)
+    double reach[kLanes] = {};
+    const auto widen = [&reach](std::size_t lane, double coordinate)
     {
-        reach = std::max({reach, std::fabs(x[i]), std::fabs(y[i])});
+        const double distance = std::fabs(coordinate);
+        reach[lane] = distance > reach[lane] ? distance : reach[lane];
+    };
+    for (std::size_t i = 0; i < x.size(); i += kLanes)
+    {
+        for (std::size_t lane = 0; lane < kLanes; ++lane)
+        {
+            widen(lane, x[i + lane]);
+            widen(lane, y[i + lane]);
+        }
     }
-    return reach;
+    return *std::max_element(reach, reach + kLanes);
 }
 
 std::size_t CenteredPoints::FarthestFrom(const Circle& circle) const

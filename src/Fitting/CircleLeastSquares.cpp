@@ -25,6 +25,19 @@ void SolveOrThrow(CircleRejection& rejection)
     }
 }
 
+std::vector<qPoint64f> KeptPoints(const CircleRejection& rejection, const qPoint64f* points, std::size_t count)
+{
+    std::vector<qPoint64f> kept;
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        if (rejection.Kept(i))
+        {
+            kept.push_back(points[i]);
+        }
+    }
+    return kept;
+}
+
 template <typename T>
 void Write(T* output, T value)
 {
@@ -57,15 +70,8 @@ void FitCircle_LSC(const qPoint64f* points, std::size_t count, double outlierPer
         outliers.push_back(points[rejection.RejectFarthest()]);
         SolveOrThrow(rejection);
     }
-    std::vector<qPoint64f> kept;
-    kept.reserve(count - outliers.size());
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        if (rejection.Kept(i))
-        {
-            kept.push_back(points[i]);
-        }
-    }
+    std::vector<qPoint64f> kept =
+        outliers.empty() ? std::vector<qPoint64f>(points, points + count) : KeptPoints(rejection, points, count);
 
     Write(center, rejection.Center());
     Write(radius, rejection.Radius());
