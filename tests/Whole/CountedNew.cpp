@@ -65,6 +65,11 @@ void FailNewAt(std::size_t nth, bool onwards)
     calls.FailAt(nth, onwards);
 }
 
+std::size_t CallsOfNew()
+{
+    return calls.Calls();
+}
+
 std::size_t FailuresOfNew()
 {
     return calls.Failures();

@@ -21,6 +21,7 @@ LiveMemory LiveOfNew();
  *  0 none does. */
 void FailNewAt(std::size_t nth, bool onwards);
 
+std::size_t CallsOfNew();    ///< on this thread since FailNewAt()
 std::size_t FailuresOfNew(); ///< on this thread since FailNewAt()
 
 } // namespace WholeTest

@@ -30,6 +30,7 @@ public:
         return fails;
     }
 
+    constexpr std::size_t Calls() const noexcept { return calls; }
     constexpr std::size_t Failures() const noexcept { return failures; }
 
 private:
