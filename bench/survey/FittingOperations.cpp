@@ -123,12 +123,12 @@ Points PolarPoints(std::size_t count, double inside, double roughness)
 {
     std::mt19937_64 random(1);
     std::uniform_real_distribution<double> areas(inside * inside, 1.0);
-    std::normal_distribution<double> noise(0.0, roughness);
+    std::normal_distribution<double> noise;
     Points points(count);
     for (std::size_t i = 0; i < count; ++i)
     {
         const double angle = 6.283185307179586 * static_cast<double>(i) / static_cast<double>(count);
-        const double radius = 10.0 * std::sqrt(areas(random)) + 0.1 * std::cos(3.0 * angle) + noise(random);
+        const double radius = 10.0 * std::sqrt(areas(random)) + 0.1 * std::cos(3.0 * angle) + roughness * noise(random);
         points[i] = {25.0 + radius * std::cos(angle), -40.0 + radius * std::sin(angle)};
     }
     return points;

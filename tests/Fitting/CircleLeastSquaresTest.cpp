@@ -106,12 +106,12 @@ std::vector<qPoint64f> NoisyArc(std::size_t count, qPoint64f center, double radi
 {
     std::mt19937_64 random(seed);
     std::uniform_real_distribution<double> angle(0.0, span);
-    std::normal_distribution<double> deviation(0.0, noise);
+    std::normal_distribution<double> deviation;
     std::vector<qPoint64f> points(count);
     for (qPoint64f& point : points)
     {
         const double a = angle(random);
-        const double r = radius + deviation(random);
+        const double r = radius + noise * deviation(random);
         point = {center.x + r * std::cos(a), center.y + r * std::sin(a)};
     }
     return points;

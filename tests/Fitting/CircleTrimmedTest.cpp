@@ -76,12 +76,12 @@ Points NoisyCircle(std::size_t count, std::size_t outliers, double noise, unsign
     std::mt19937_64 random(seed);
     std::uniform_real_distribution<double> angle(0.0, 6.283185307179586);
     std::uniform_real_distribution<double> box(-12.0, 12.0);
-    std::normal_distribution<double> deviation(0.0, noise);
+    std::normal_distribution<double> deviation;
     Points points(count);
     for (std::size_t i = 0; i < count; ++i)
     {
         const double a = angle(random);
-        const double r = 20.0 + deviation(random);
+        const double r = 20.0 + noise * deviation(random);
         points[i] = {3.0 + r * std::cos(a), -8.0 + r * std::sin(a)};
         if (i < outliers)
         {

@@ -62,12 +62,12 @@ inline LineResult FitLine(const Points& points, const std::vector<int>& excluded
 inline Points NoisyLine(std::size_t count, double slope, double intercept, double noise, std::mt19937_64& random)
 {
     std::uniform_real_distribution<double> along(-50.0, 50.0);
-    std::normal_distribution<double> deviation(0.0, noise);
+    std::normal_distribution<double> deviation;
     Points points(count);
     for (qPoint64f& point : points)
     {
         const double x = along(random);
-        point = {x, slope * x + intercept + deviation(random)};
+        point = {x, slope * x + intercept + noise * deviation(random)};
     }
     return points;
 }

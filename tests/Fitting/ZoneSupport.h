@@ -174,12 +174,12 @@ inline double ZoneWidth(const Points& points)
 inline Points LobedRing(std::size_t count, double roughness, std::uint64_t seed)
 {
     std::mt19937_64 random(seed);
-    std::normal_distribution<double> noise(0.0, roughness);
+    std::normal_distribution<double> noise;
     Points points(count);
     for (std::size_t i = 0; i < count; ++i)
     {
         const double angle = 6.283185307179586 * (static_cast<double>(i) + 0.3) / static_cast<double>(count);
-        const double radius = 10.0 + 0.1 * std::cos(3.0 * angle + 1.0) + noise(random);
+        const double radius = 10.0 + 0.1 * std::cos(3.0 * angle + 1.0) + roughness * noise(random);
         points[i] = {25.0 + radius * std::cos(angle), -40.0 + radius * std::sin(angle)};
     }
     return points;
