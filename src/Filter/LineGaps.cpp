@@ -24,7 +24,7 @@ public:
         {
             return;
         }
-        const std::int64_t rise = line.source[next] - line.source[last];
+        const std::int64_t rise = line.result[next] - line.result[last];
         if (rise > maxSlope * gap)
         {
             FillFlat(last, next, fillHigh ? next : last);
@@ -38,7 +38,7 @@ public:
             for (std::size_t i = last + 1; i < next; ++i)
             {
                 const std::int64_t step = static_cast<std::int64_t>(i - last) * rise / gap;
-                line.result[i] = static_cast<std::int16_t>(line.source[last] + step);
+                line.result[i] = static_cast<std::int16_t>(line.result[last] + step);
             }
         }
     }
@@ -48,7 +48,7 @@ private:
     {
         for (std::size_t i = last + 1; i < next; ++i)
         {
-            line.result[i] = line.source[from];
+            line.result[i] = line.result[from];
         }
     }
 
@@ -60,7 +60,8 @@ private:
 
 } // namespace
 
-/** Results may be written over the source: a filled cell is not read again, and the others keep their value. */
+/** Results may be written over the source, whose cells are therefore read for the last time by the copy: a filled cell is
+ *  not looked at again, and the others keep their value. */
 void FillLineGaps(const HeightLine& line, int maxGap, int maxSlope, bool fillHigh)
 {
     if (!CopyAndLook(line.source, line.result, line.size))
@@ -68,7 +69,7 @@ void FillLineGaps(const HeightLine& line, int maxGap, int maxSlope, bool fillHig
         return;
     }
     const GapFiller filler(line, maxGap, maxSlope, fillHigh);
-    ForEachMissingRun(line.source, line.size,
+    ForEachMissingRun(line.result, line.size,
                       [&](std::size_t begin, std::size_t end)
                       {
                           if (begin > 0 && end < line.size)

@@ -15,7 +15,7 @@ namespace Zvl
 /** Sets bit `i % 64` of `words[i / 64]` when cell i is missing. Bits beyond @p count are 0. */
 void MarkMissing(const std::int16_t* cells, std::size_t count, std::uint64_t* words);
 
-/** Copies @p count cells from @p in to @p out, which are the same place or do not overlap.
+/** Copies @p count cells from @p in to @p out, which does not begin within them unless it is the same place.
  *  @return whether one of them is missing */
 bool CopyAndLook(const std::int16_t* in, std::int16_t* out, std::size_t count);
 
