@@ -142,7 +142,8 @@ void SetWorkers(std::size_t count)
     }
 }
 
-void MeasureWorkers(const Case& subject, int samples, Result& result)
+/** The time with one worker over that with two. */
+double WorkersGain(const Case& subject, int samples)
 {
     const std::size_t before = qThreadPool_Count(qThreadPool_Default());
     const auto with = [&subject](std::size_t workers) -> Timed
@@ -158,7 +159,7 @@ void MeasureWorkers(const Case& subject, int samples, Result& result)
     };
     const std::vector<double> seconds = MedianSeconds({with(1), with(2)}, samples);
     SetWorkers(before);
-    result.workersGain = seconds[0] / seconds[1];
+    return seconds[0] / seconds[1];
 }
 
 void MeasureScratch(const Case& subject, Result& result)
@@ -216,7 +217,8 @@ Result Measure(const Operation& operation, int samples, bool onlyOurs)
         MeasureScratch(subject, result);
         if (operation.usesWorkers)
         {
-            MeasureWorkers(subject, samples, result);
+            result.workersGain = WorkersGain(subject, samples);
+            result.tinyGain = WorkersGain(operation.at(kTinySide), samples);
         }
     }
     MeasureGrowth(operation, samples, result);

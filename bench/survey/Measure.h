@@ -5,6 +5,7 @@
 namespace Survey
 {
 
+constexpr int kTinySide = 64;
 constexpr int kSmallSide = 512;
 constexpr int kSide = 2048;
 constexpr int kLargeSide = 4096;
@@ -28,6 +29,7 @@ struct Result
     double growth = 0.0;      ///< time per item at #kLargeSide over that at #kSmallSide
     double copyGrowth = 0.0;  ///< the same of the `memcpy`
     double workersGain = 0.0; ///< time with one worker over that with two
+    double tinyGain = 0.0;    ///< the same at #kTinySide
     double scratchBytes = 0.0;
 };
 

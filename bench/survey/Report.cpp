@@ -48,6 +48,11 @@ std::string GrowthText(const Result& result)
     return Digits(result.growth) + (result.copyGrowth > 0.0 ? " (" + Digits(result.copyGrowth) + ")" : "");
 }
 
+std::string WorkersText(const Result& result)
+{
+    return result.workersGain > 0.0 ? Digits(result.workersGain) + " (" + Digits(result.tinyGain) + ")" : "";
+}
+
 /** Peer, its time and the ratio. Without a peer stands the throughput. */
 std::string PeerCells(const Result& result, std::size_t peer)
 {
@@ -63,8 +68,8 @@ std::string Rows(const Result& result)
 {
     std::string rows = "| " + result.name + " | " + TimeText(result.seconds) + " | " + PeerCells(result, 0) + " | " +
                        (result.copyShare > 0.0 ? Text("%.0f %%", 100.0 * result.copyShare) : "") + " | " +
-                       GrowthText(result) + " | " + (result.workersGain > 0.0 ? Digits(result.workersGain) : "") +
-                       " | " + SizeText(result.scratchBytes) + " |\n";
+                       GrowthText(result) + " | " + WorkersText(result) + " | " + SizeText(result.scratchBytes) +
+                       " |\n";
     for (std::size_t peer = 1; peer < result.peers.size(); ++peer)
     {
         rows += "| | | " + PeerCells(result, peer) + " | | | | |\n";
@@ -202,6 +207,7 @@ void WriteJson(const std::string& path, const std::vector<Result>& results)
                         {"growth", result.growth},
                         {"copyGrowth", result.copyGrowth},
                         {"workersGain", result.workersGain},
+                        {"tinyGain", result.tinyGain},
                         {"scratchBytes", result.scratchBytes}});
     }
     WriteFile(path, rows.dump(1) + "\n");
