@@ -28,6 +28,8 @@ namespace Zvl
 
 /** Moves an array of @p count points; the pointers may be null when there are none. */
 ZDK_VISION_EXPORT void AnchorPointSetRegion(Anchor anchor, const qPoint3d64f* in, std::size_t count, qPoint3d64f* out);
+
+/** The same for the other record of a point. */
 ZDK_VISION_EXPORT void AnchorPointSetRegion(Anchor anchor, const Point3d<double>* in, std::size_t count,
                                             Point3d<double>* out);
 
@@ -55,6 +57,8 @@ ZDK_VISION_EXPORT void AnchorRectangle(const Anchor& anchor, const Region3d<doub
 /** Moves the vertices by the rule for points. A polygon without vertices leaves @p out as it was. */
 ZDK_VISION_EXPORT void AnchorPolygon(const Anchor& anchor, const std::vector<Point2d<double>>& in,
                                      std::vector<Point2d<double>>* out);
+
+/** The same in space; the anchor's z is added to each vertex. */
 ZDK_VISION_EXPORT void AnchorPolygon(const Anchor& anchor, const std::vector<Point3d<double>>& in,
                                      std::vector<Point3d<double>>* out);
 

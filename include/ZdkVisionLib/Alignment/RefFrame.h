@@ -17,13 +17,14 @@ namespace Zvl
  *  convention and meaning are the host's. */
 struct ZDK_VISION_EXPORT RobotPose
 {
-    double x;
-    double y;
-    double z;
-    double rotationX;
-    double rotationY;
-    double rotationZ;
+    double x;         ///< position
+    double y;         ///< position
+    double z;         ///< position
+    double rotationX; ///< rotation
+    double rotationY; ///< rotation
+    double rotationZ; ///< rotation
 
+    /** Takes the values as they are. */
     constexpr RobotPose(double xValue, double yValue, double zValue, double rotationXValue, double rotationYValue,
                         double rotationZValue) noexcept
         : x(xValue),
@@ -52,21 +53,22 @@ public:
     /** The identity. */
     RefFrame();
 
+    /** I, J, K and T. */
     RefFrame(double ix, double iy, double iz, double jx, double jy, double jz, double kx, double ky, double kz,
              double tx, double ty, double tz);
 
-    double GetIx() const noexcept { return i.x; }
-    double GetIy() const noexcept { return i.y; }
-    double GetIz() const noexcept { return i.z; }
-    double GetJx() const noexcept { return j.x; }
-    double GetJy() const noexcept { return j.y; }
-    double GetJz() const noexcept { return j.z; }
-    double GetKx() const noexcept { return k.x; }
-    double GetKy() const noexcept { return k.y; }
-    double GetKz() const noexcept { return k.z; }
-    double GetTx() const noexcept { return t.x; }
-    double GetTy() const noexcept { return t.y; }
-    double GetTz() const noexcept { return t.z; }
+    double GetIx() const noexcept { return i.x; } ///< x of I
+    double GetIy() const noexcept { return i.y; } ///< y of I
+    double GetIz() const noexcept { return i.z; } ///< z of I
+    double GetJx() const noexcept { return j.x; } ///< x of J
+    double GetJy() const noexcept { return j.y; } ///< y of J
+    double GetJz() const noexcept { return j.z; } ///< z of J
+    double GetKx() const noexcept { return k.x; } ///< x of K
+    double GetKy() const noexcept { return k.y; } ///< y of K
+    double GetKz() const noexcept { return k.z; } ///< z of K
+    double GetTx() const noexcept { return t.x; } ///< x of T
+    double GetTy() const noexcept { return t.y; } ///< y of T
+    double GetTz() const noexcept { return t.z; } ///< z of T
 
     /** Lengths of I, J and K. */
     qPoint3d64f GetScale() const;
@@ -95,8 +97,8 @@ public:
      *  @throws cv::Exception or std::bad_alloc when OpenCV has no memory; the frame is then the identity */
     void SetFrame(const std::vector<qPoint64f>& a, const std::vector<qPoint64f>& b);
 
-    RefFrame& Translate(double x, double y, double z);
-    RefFrame& Translate(qPoint3d64f vector);
+    RefFrame& Translate(double x, double y, double z); ///< shifts mapped points
+    RefFrame& Translate(qPoint3d64f vector);           ///< shifts mapped points by @p vector
 
     /** Rotates about @p axis through the origin, by way of a unit quaternion. The axis is meant to have unit
      *  length: it enters the quaternion as it is, so that another length changes the angle to
@@ -122,6 +124,7 @@ public:
     /** Becomes its own inverse, if I, J and K are orthonormal, which is not tested. */
     RefFrame& InvertOrtho();
 
+    /** The point that @p point maps to. */
     qPoint3d64f Apply(qPoint3d64f point) const;
 
     /** Maps (x, y, 0) and drops the Z of the result. */
@@ -130,6 +133,8 @@ public:
     /** Maps @p count points in index order. @p in and @p out may be the same array.
      *  @throws Zo::Exception #STATUS_BAD_PARAMETER when one of them is null and @p count is not 0 */
     void ApplyN(const qPoint3d64f* in, std::size_t count, qPoint3d64f* out) const;
+
+    /** The same for the other record of a point. */
     void ApplyN(const Point3d<double>* in, std::size_t count, Point3d<double>* out) const;
 
     /** The frame that does this one first, then @p other. */

@@ -14,9 +14,9 @@ namespace Zvl
 /** What becomes of two heights, or of two intensities. */
 enum class ArithmeticOperator : std::int32_t
 {
-    Add = 0,
-    Subtract = 1,
-    Average = 2
+    Add = 0,      ///< first plus second
+    Subtract = 1, ///< first minus second
+    Average = 2   ///< mean of both
 };
 
 /** Which cells a result has. */
@@ -32,9 +32,9 @@ enum class ArithmeticLogic : std::int32_t
 class ZDK_VISION_EXPORT ArithmeticsPixelOperation
 {
 public:
-    ArithmeticsPixelOperation() = default;
-    ArithmeticsPixelOperation(const ArithmeticsPixelOperation&) = default;
-    ArithmeticsPixelOperation& operator=(const ArithmeticsPixelOperation&) = default;
+    ArithmeticsPixelOperation() = default;                                            ///< unit scale, no offsets
+    ArithmeticsPixelOperation(const ArithmeticsPixelOperation&) = default;            ///< copies scale and offsets
+    ArithmeticsPixelOperation& operator=(const ArithmeticsPixelOperation&) = default; ///< copies scale and offsets
     virtual ~ArithmeticsPixelOperation() = default;
 
     /** The operation on two intensities.
@@ -47,8 +47,8 @@ public:
      *  @throws Zo::Exception #STATUS_BAD_PARAMETER when @p out is null */
     virtual void Operate(std::int16_t a, std::int16_t b, std::int32_t* out) const = 0;
 
-    void SetScale(double value);
-    void SetOffsets(double offset0, double offset1);
+    void SetScale(double value);                     ///< sets #zScale
+    void SetOffsets(double offset0, double offset1); ///< sets #zOffset0 and #zOffset1
 
     double zScale = 1.0;   ///< world size of a height count of both surfaces
     double zOffset0 = 0.0; ///< world position of count 0 of the first surface

@@ -15,6 +15,7 @@
 #include <limits>
 #include <vector>
 
+/** The algorithms and the records that they work on. */
 namespace Zvl
 {
 
@@ -26,36 +27,42 @@ namespace Zvl
 template <typename T>
 constexpr T GetNull() noexcept = delete;
 
+/** The null of `unsigned char`: 255. */
 template <>
 constexpr unsigned char GetNull<unsigned char>() noexcept
 {
     return 255;
 }
 
+/** The null of `short`: -32768, the missing height. */
 template <>
 constexpr short GetNull<short>() noexcept
 {
     return std::numeric_limits<short>::min();
 }
 
+/** The null of `int`: -2147483648. */
 template <>
 constexpr int GetNull<int>() noexcept
 {
     return std::numeric_limits<int>::min();
 }
 
+/** The null of `float`: the lowest finite `float`. */
 template <>
 constexpr float GetNull<float>() noexcept
 {
     return std::numeric_limits<float>::lowest();
 }
 
+/** The null of `double`: the lowest finite `double`. */
 template <>
 constexpr double GetNull<double>() noexcept
 {
     return std::numeric_limits<double>::lowest();
 }
 
+/** The null of `std::uint64_t`: the largest 64-bit number. */
 template <>
 constexpr std::uint64_t GetNull<std::uint64_t>() noexcept
 {
@@ -66,14 +73,19 @@ constexpr std::uint64_t GetNull<std::uint64_t>() noexcept
 template <typename T>
 void* GetqType() = delete;
 
+/** #xxq8u_type. */
 template <>
 ZDK_VISION_EXPORT void* GetqType<unsigned char>();
+/** #xxq16s_type. */
 template <>
 ZDK_VISION_EXPORT void* GetqType<short>();
+/** #xxq64f_type. */
 template <>
 ZDK_VISION_EXPORT void* GetqType<double>();
+/** #xxqPoint3d32s_type. */
 template <>
 ZDK_VISION_EXPORT void* GetqType<qPoint3d32s>();
+/** #xxqPoint3d64f_type. */
 template <>
 ZDK_VISION_EXPORT void* GetqType<qPoint3d64f>();
 
@@ -84,13 +96,18 @@ ZDK_VISION_EXPORT void* GetqType<qPoint3d64f>();
 template <typename T>
 struct Point2d
 {
-    T x = GetNull<T>();
-    T y = GetNull<T>();
+    T x = GetNull<T>(); ///< along a row
+    T y = GetNull<T>(); ///< along a column
 
-    constexpr Point2d() noexcept = default;
+    constexpr Point2d() noexcept = default; ///< null in both fields
+
+    /** Takes the values as they are. */
     constexpr Point2d(T xValue, T yValue) noexcept : x(xValue), y(yValue) {}
+
+    /** From the platform's record; the values must fit `T`. */
     constexpr Point2d(const qPoint64f& point) noexcept : x(static_cast<T>(point.x)), y(static_cast<T>(point.y)) {}
 
+    /** As the platform's record. */
     constexpr operator qPoint64f() const noexcept { return {static_cast<double>(x), static_cast<double>(y)}; }
 };
 
@@ -98,14 +115,19 @@ struct Point2d
 template <typename T>
 struct Point3d
 {
-    T x = GetNull<T>();
-    T y = GetNull<T>();
-    T z = GetNull<T>();
+    T x = GetNull<T>(); ///< along a row
+    T y = GetNull<T>(); ///< along a column
+    T z = GetNull<T>(); ///< the height
 
-    constexpr Point3d() noexcept = default;
+    constexpr Point3d() noexcept = default; ///< null in all fields
+
+    /** Takes the values as they are. */
     constexpr Point3d(T xValue, T yValue, T zValue) noexcept : x(xValue), y(yValue), z(zValue) {}
+
+    /** From the platform's record. */
     constexpr Point3d(const qPoint3d64f& point) noexcept : x(point.x), y(point.y), z(point.z) {}
 
+    /** As the platform's record. */
     constexpr operator qPoint3d64f() const noexcept { return {x, y, z}; }
 };
 
@@ -116,18 +138,18 @@ struct Point3d
 template <typename T>
 struct RunLength
 {
-    T start = T();
-    T length = T();
+    T start = T();  ///< first position or cell
+    T length = T(); ///< world length or number of cells
 };
 
 /** A rectangle of cells: first column, first row, columns, rows. */
 template <typename T>
 struct Rect2d
 {
-    T x = T();
-    T y = T();
-    T width = T();
-    T height = T();
+    T x = T();      ///< first column
+    T y = T();      ///< first row
+    T width = T();  ///< columns
+    T height = T(); ///< rows
 };
 
 /** A box of cells and height counts. The third dimension follows the rectangle, so that the record begins with
@@ -135,12 +157,12 @@ struct Rect2d
 template <typename T>
 struct Rect3d
 {
-    T x = T();
-    T y = T();
-    T width = T();
-    T height = T();
-    T z = T();
-    T depth = T();
+    T x = T();      ///< first column
+    T y = T();      ///< first row
+    T width = T();  ///< columns
+    T height = T(); ///< rows
+    T z = T();      ///< lowest height count
+    T depth = T();  ///< height counts
 };
 
 /** A rectangle in the world: the corner of smallest coordinates of the unrotated rectangle, its size, and a
@@ -148,24 +170,24 @@ struct Rect3d
 template <typename T>
 struct Region2d
 {
-    T x = GetNull<T>();
-    T y = GetNull<T>();
-    T width = T();
-    T height = T();
-    T angle = T();
+    T x = GetNull<T>(); ///< smallest x of the unrotated rectangle
+    T y = GetNull<T>(); ///< smallest y of the unrotated rectangle
+    T width = T();      ///< size along x, world units
+    T height = T();     ///< size along y, world units
+    T angle = T();      ///< rotation about the centre, degrees
 };
 
 /** A Region2d with an extent along Z behind it. */
 template <typename T>
 struct Region3d
 {
-    T x = GetNull<T>();
-    T y = GetNull<T>();
-    T width = T();
-    T height = T();
-    T angle = T();
-    T z = GetNull<T>();
-    T depth = T();
+    T x = GetNull<T>(); ///< smallest x of the unrotated rectangle
+    T y = GetNull<T>(); ///< smallest y of the unrotated rectangle
+    T width = T();      ///< size along x, world units
+    T height = T();     ///< size along y, world units
+    T angle = T();      ///< rotation about the centre, degrees
+    T z = GetNull<T>(); ///< lowest height, world units
+    T depth = T();      ///< size along z, world units
 };
 
 // ---------------------------------------------------------------------------------------------------------
@@ -176,24 +198,24 @@ struct Region3d
 template <typename T>
 struct AnnularSector2d
 {
-    T innerRadius = T();
-    T outerRadius = T();
-    T startAngle = T();
-    T angleSpan = T();
-    qPoint64f center = {GetNull<double>(), GetNull<double>()};
+    T innerRadius = T();                                       ///< world units; 0 for a full disc
+    T outerRadius = T();                                       ///< world units
+    T startAngle = T();                                        ///< degrees, from the X axis towards the Y axis
+    T angleSpan = T();                                         ///< degrees; 360 for the whole ring
+    qPoint64f center = {GetNull<double>(), GetNull<double>()}; ///< world position
 };
 
 /** An annular sector that reaches along Z from `z` to `z + depth`. */
 template <typename T>
 struct AnnularSector3d
 {
-    T innerRadius = T();
-    T outerRadius = T();
-    T startAngle = T();
-    T angleSpan = T();
-    T z = T();
-    T depth = T();
-    qPoint3d64f center = {GetNull<double>(), GetNull<double>(), GetNull<double>()};
+    T innerRadius = T(); ///< world units; 0 for a full disc
+    T outerRadius = T(); ///< world units
+    T startAngle = T();  ///< degrees, from the X axis towards the Y axis
+    T angleSpan = T();   ///< degrees; 360 for the whole ring
+    T z = T();           ///< lowest height, world units
+    T depth = T();       ///< size along z, world units
+    qPoint3d64f center = {GetNull<double>(), GetNull<double>(), GetNull<double>()}; ///< world position
 };
 
 /** A sector between two ellipses of one centre. Sizes are full lengths along the ellipse's own axes, which
@@ -201,30 +223,30 @@ struct AnnularSector3d
 template <typename T>
 struct EllipticalSector2d
 {
-    T innerHeight = T();
-    T innerWidth = T();
-    T outerHeight = T();
-    T outerWidth = T();
-    T startAngle = T();
-    T angleSpan = T();
-    T rotation = T();
-    qPoint64f center = {GetNull<double>(), GetNull<double>()};
+    T innerHeight = T();                                       ///< full height of the inner ellipse; 0 for none
+    T innerWidth = T();                                        ///< full width of the inner ellipse; 0 for none
+    T outerHeight = T();                                       ///< full height of the outer ellipse
+    T outerWidth = T();                                        ///< full width of the outer ellipse
+    T startAngle = T();                                        ///< degrees, in the ellipse's own frame
+    T angleSpan = T();                                         ///< degrees; 360 for the whole ring
+    T rotation = T();                                          ///< of the ellipse against the world, degrees
+    qPoint64f center = {GetNull<double>(), GetNull<double>()}; ///< world position
 };
 
 /** An elliptical sector that reaches along Z from `z` to `z + depth`. */
 template <typename T>
 struct EllipticalSector3d
 {
-    T innerHeight = T();
-    T innerWidth = T();
-    T outerHeight = T();
-    T outerWidth = T();
-    T startAngle = T();
-    T angleSpan = T();
-    T rotation = T();
-    T z = T();
-    T depth = T();
-    qPoint3d64f center = {GetNull<double>(), GetNull<double>(), GetNull<double>()};
+    T innerHeight = T(); ///< full height of the inner ellipse; 0 for none
+    T innerWidth = T();  ///< full width of the inner ellipse; 0 for none
+    T outerHeight = T(); ///< full height of the outer ellipse
+    T outerWidth = T();  ///< full width of the outer ellipse
+    T startAngle = T();  ///< degrees, in the ellipse's own frame
+    T angleSpan = T();   ///< degrees; 360 for the whole ring
+    T rotation = T();    ///< of the ellipse against the world, degrees
+    T z = T();           ///< lowest height, world units
+    T depth = T();       ///< size along z, world units
+    qPoint3d64f center = {GetNull<double>(), GetNull<double>(), GetNull<double>()}; ///< world position
 };
 
 // ---------------------------------------------------------------------------------------------------------
@@ -234,10 +256,10 @@ struct EllipticalSector3d
  *  moves nothing. */
 struct Anchor
 {
-    double x = GetNull<double>();
-    double y = GetNull<double>();
-    double z = GetNull<double>();
-    double angle = GetNull<double>();
+    double x = GetNull<double>();     ///< shift along x, world units
+    double y = GetNull<double>();     ///< shift along y, world units
+    double z = GetNull<double>();     ///< shift along z, world units
+    double angle = GetNull<double>(); ///< turn about Z through the origin, degrees
 };
 
 // ---------------------------------------------------------------------------------------------------------

@@ -39,13 +39,14 @@ public:
     /** @param isUniform not 0 for uniform profiles, 0 for pairs
      *  @param allocator allocator of the mask; null is the platform's default */
     RoiProfile(int isUniform, void* allocator);
-    RoiProfile(const RoiProfile&) = default;
-    RoiProfile& operator=(const RoiProfile&) = default;
+    RoiProfile(const RoiProfile&) = default;            ///< shares the mask's cells
+    RoiProfile& operator=(const RoiProfile&) = default; ///< shares the mask's cells
     virtual ~RoiProfile() = default;
 
     /** A region of the same class, moved by @p anchor, with empty caches. This region is unchanged. */
     virtual std::shared_ptr<RoiProfile> ApplyAnchor(const Anchor& anchor) const = 0;
 
+    /** The kind of shape. */
     virtual MaskType GetShapeType() const = 0;
 
     /** Finds which items of @p profile belong to the region, and keeps the answers in the mask until the next call. A
@@ -86,13 +87,13 @@ protected:
     /** Clears the bytes of segment and bounding region. */
     void _ResetBoundingSegment();
 
-    void* allocator;
-    Zo::Object<void*> mask;
-    RunLength<double> boundingRegion; ///< the unclipped extent along x in world units; not used for pairs
-    RunLength<int> boundingSegment;
-    std::int32_t boundingSegmentValid = 0;
-    std::int32_t maskValid = 0;
-    std::int32_t isUniform;
+    void* allocator;                       ///< of the mask; null is the platform's default
+    Zo::Object<void*> mask;                ///< the mask, or null
+    RunLength<double> boundingRegion;      ///< the unclipped extent along x in world units; not used for pairs
+    RunLength<int> boundingSegment;        ///< the segment in items
+    std::int32_t boundingSegmentValid = 0; ///< 1 while the segment holds the present shape
+    std::int32_t maskValid = 0;            ///< 1 while the mask belongs to the present shape
+    std::int32_t isUniform;                ///< 0 for pairs
 
 private:
     void _ConstructMask();
@@ -104,7 +105,10 @@ private:
 class ZDK_VISION_EXPORT SingleRoiProfile : public RoiProfile
 {
 public:
+    /** Without a frame. */
     SingleRoiProfile(int isUniform, void* allocator);
+
+    /** In a frame of @p frameWidth items. */
     SingleRoiProfile(std::uint64_t frameWidth, const qPoint64f& scale, const qPoint64f& offset, int isUniform,
                      void* allocator);
 
@@ -125,9 +129,9 @@ protected:
     /** Takes @p extent for `boundingRegion` and computes `boundingSegment` from it, clipped to the frame. */
     void SetBounds(const RunLength<double>& extent);
 
-    std::uint64_t frameWidth = 0;
-    qPoint64f scale;
-    qPoint64f offset;
+    std::uint64_t frameWidth = 0; ///< items of the frame
+    qPoint64f scale;              ///< world size of an item (x) and of a height count (y)
+    qPoint64f offset;             ///< world position of item 0 and of height count 0
 
 private:
     void SelectHeights(void* layer);
@@ -154,6 +158,7 @@ public:
     std::shared_ptr<RoiProfile> ApplyAnchor(const Anchor& anchor) const override;
     MaskType GetShapeType() const override;
 
+    /** The vertices. */
     const std::vector<Point2d<double>>& GetShape() const;
 
 protected:
@@ -164,7 +169,7 @@ protected:
     void _CalculateBoundingSegment() override;
     int _IsPointInRegion(const qPoint64f& point) const override;
 
-    std::vector<Point2d<double>> polygonPoints;
+    std::vector<Point2d<double>> polygonPoints; ///< the vertices
 };
 
 /** A rectangle. When its angle is 2 to the power -23 or less in magnitude, all of its edges belong to it; otherwise it
@@ -172,6 +177,7 @@ protected:
 class ZDK_VISION_EXPORT RectangleRoiProfile : public PolygonRoiProfile
 {
 public:
+    /** In a frame of @p frameWidth items; see RoiProfile for @p isUniform and @p allocator. */
     RectangleRoiProfile(const Region2d<double>& rectangle, std::uint64_t frameWidth, const qPoint64f& scale,
                         const qPoint64f& offset, int isUniform, void* allocator);
 
@@ -186,6 +192,7 @@ public:
     /** #MaskTypeRectangle at every angle. */
     MaskType GetShapeType() const override;
 
+    /** The rectangle. */
     const Region2d<double>& GetShape() const;
 
 protected:
@@ -201,12 +208,14 @@ private:
 class ZDK_VISION_EXPORT EllipseRoiProfile : public SingleRoiProfile
 {
 public:
+    /** In a frame of @p frameWidth items; see RoiProfile for @p isUniform and @p allocator. */
     EllipseRoiProfile(const EllipticalSector2d<double>& ellipse, std::uint64_t frameWidth, const qPoint64f& scale,
                       const qPoint64f& offset, int isUniform, void* allocator);
 
     std::shared_ptr<RoiProfile> ApplyAnchor(const Anchor& anchor) const override;
     MaskType GetShapeType() const override;
 
+    /** The sector. */
     const EllipticalSector2d<double>& GetShape() const;
 
 protected:
@@ -217,7 +226,7 @@ protected:
     void _CalculateBoundingSegment() override;
     int _IsPointInRegion(const qPoint64f& point) const override;
 
-    EllipticalSector2d<double> ellipse;
+    EllipticalSector2d<double> ellipse; ///< the sector
 };
 
 /** A sector of a ring. Its segment is that of the ellipse it amounts to; its points are tested against the ring, as
@@ -225,12 +234,14 @@ protected:
 class ZDK_VISION_EXPORT CircleRoiProfile : public EllipseRoiProfile
 {
 public:
+    /** In a frame of @p frameWidth items; see RoiProfile for @p isUniform and @p allocator. */
     CircleRoiProfile(const AnnularSector2d<double>& annulus, std::uint64_t frameWidth, const qPoint64f& scale,
                      const qPoint64f& offset, int isUniform, void* allocator);
 
     std::shared_ptr<RoiProfile> ApplyAnchor(const Anchor& anchor) const override;
     MaskType GetShapeType() const override;
 
+    /** The sector. */
     const AnnularSector2d<double>& GetShape() const;
 
 protected:
@@ -270,9 +281,9 @@ public:
      *  nothing. */
     void Add(const std::shared_ptr<RoiProfile>& roi);
 
-    std::vector<std::shared_ptr<RoiProfile>>::const_iterator Begin() const;
-    std::vector<std::shared_ptr<RoiProfile>>::const_iterator End() const;
-    std::uint64_t GetRoiCount() const;
+    std::vector<std::shared_ptr<RoiProfile>>::const_iterator Begin() const; ///< the first member
+    std::vector<std::shared_ptr<RoiProfile>>::const_iterator End() const;   ///< behind the last member
+    std::uint64_t GetRoiCount() const;                                      ///< members
 
     /** The segment of member @p index.
      *  @throws Zo::Exception #STATUS_BAD_PARAMETER when there is no such member; else as its GetBoundingSegment() */

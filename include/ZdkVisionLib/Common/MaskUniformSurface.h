@@ -21,14 +21,14 @@ namespace Zvl
 /** Identifies the shapes of both region families. */
 enum MaskType : std::int32_t
 {
-    MaskTypeCircle = 0,
-    MaskTypeEllipse = 1,
-    MaskTypePolygon = 2,
-    MaskTypeRotatedRectangle = 3,
-    MaskTypeSurface = 4,
-    MaskTypeIntensity = 5,
-    MaskTypeComposed = 7,
-    MaskTypeRectangle = 8
+    MaskTypeCircle = 0,           ///< sector of a ring
+    MaskTypeEllipse = 1,          ///< sector between two ellipses
+    MaskTypePolygon = 2,          ///< polygon
+    MaskTypeRotatedRectangle = 3, ///< rectangle with an angle, over a surface
+    MaskTypeSurface = 4,          ///< where a reference surface has heights
+    MaskTypeIntensity = 5,        ///< where a reference surface has intensities within a range
+    MaskTypeComposed = 7,         ///< union of regions
+    MaskTypeRectangle = 8         ///< upright rectangle; over a profile, any rectangle
 };
 
 /** A region over a surface. Copies share the mask's cells until one of them rebuilds its mask. */
@@ -37,13 +37,14 @@ class ZDK_VISION_EXPORT ROI
 public:
     /** @param allocator allocator of the mask; null is the platform's default */
     explicit ROI(void* allocator = nullptr);
-    ROI(const ROI&) = default;
-    ROI& operator=(const ROI&) = default;
+    ROI(const ROI&) = default;            ///< shares the mask's cells
+    ROI& operator=(const ROI&) = default; ///< shares the mask's cells
     virtual ~ROI() = default;
 
     /** A region of the same class, moved by @p anchor, with empty caches. This region is unchanged. */
     virtual std::shared_ptr<ROI> ApplyAnchor(const Anchor& anchor) = 0;
 
+    /** The kind of shape. */
     virtual MaskType GetShapeType() const = 0;
 
     /** An independent region of the same shape and frame, with empty caches. */
@@ -83,12 +84,12 @@ protected:
     /** Clears the bytes of box and bounding region. */
     void _InitializeBoundingBox();
 
-    void* allocator;
-    Zo::Object<void*> mask;
-    Region2d<double> boundingRegion;
-    Rect2d<int> boundingBox;
-    std::int32_t maskValid = 0;
-    std::int32_t boundingBoxValid = 0;
+    void* allocator;                   ///< of the mask; null is the platform's default
+    Zo::Object<void*> mask;            ///< the mask, or null
+    Region2d<double> boundingRegion;   ///< the unclipped extent
+    Rect2d<int> boundingBox;           ///< the box in cells
+    std::int32_t maskValid = 0;        ///< 1 while the mask holds the present shape
+    std::int32_t boundingBoxValid = 0; ///< 1 while the box holds the present shape
 
 private:
     void _CalculateBoundingBoxInternal();
@@ -100,20 +101,23 @@ private:
 class ZDK_VISION_EXPORT SingleROI : public ROI
 {
 public:
+    /** Without a frame. */
     explicit SingleROI(void* allocator = nullptr);
+
+    /** In a frame of @p frameWidth columns and @p frameHeight rows. */
     SingleROI(std::uint64_t frameWidth, std::uint64_t frameHeight, const qPoint64f& scale, const qPoint64f& offset,
               void* allocator);
-    SingleROI(const SingleROI&) = default;
-    SingleROI(SingleROI&&) = default;
-    SingleROI& operator=(const SingleROI&) = default;
-    SingleROI& operator=(SingleROI&&) = default;
+    SingleROI(const SingleROI&) = default;            ///< shares the mask's cells
+    SingleROI(SingleROI&&) = default;                 ///< takes the mask
+    SingleROI& operator=(const SingleROI&) = default; ///< shares the mask's cells
+    SingleROI& operator=(SingleROI&&) = default;      ///< takes the mask
 
-    void SetFrame(const std::uint64_t& width, const std::uint64_t& height);
-    void SetFrameWidth(const std::uint64_t& width);
-    void SetFrameHeight(const std::uint64_t& height);
-    void SetScale(const qPoint64f& value);
-    void SetOffset(const qPoint64f& value);
-    void SetAllocator(void* const& value);
+    void SetFrame(const std::uint64_t& width, const std::uint64_t& height); ///< columns and rows of the frame
+    void SetFrameWidth(const std::uint64_t& width);                         ///< columns of the frame
+    void SetFrameHeight(const std::uint64_t& height);                       ///< rows of the frame
+    void SetScale(const qPoint64f& value);                                  ///< world size of a cell
+    void SetOffset(const qPoint64f& value);                                 ///< world position of cell (0, 0)
+    void SetAllocator(void* const& value);                                  ///< allocator of the next mask
 
 protected:
     /** Throws #STATUS_BAD_PARAMETER for @p function when a field of the mapping is null. */
@@ -122,10 +126,10 @@ protected:
     /** Takes @p region for `boundingRegion` and computes `boundingBox` from it, clipped to the frame. */
     void SetBounds(const Region2d<double>& region);
 
-    std::uint64_t frameWidth = 0;
-    std::uint64_t frameHeight = 0;
-    qPoint64f scale;
-    qPoint64f offset;
+    std::uint64_t frameWidth = 0;  ///< columns of the frame
+    std::uint64_t frameHeight = 0; ///< rows of the frame
+    qPoint64f scale;               ///< world size of a cell
+    qPoint64f offset;              ///< world position of cell (0, 0)
 
 private:
     void DropCaches();
@@ -156,6 +160,7 @@ public:
     MaskType GetShapeType() const override;
     std::shared_ptr<ROI> DeepCopy() const override;
 
+    /** The vertices. */
     const std::vector<Point2d<double>>& GetShape() const;
 
 protected:
@@ -166,7 +171,7 @@ protected:
     void _CalculateBoundingBox() override;
     void _AssignMaskSliced() override;
 
-    std::vector<Point2d<double>> polygonPoints;
+    std::vector<Point2d<double>> polygonPoints; ///< the vertices
 };
 
 /** A rectangle, rotated about its centre: a polygon of four corners that keeps the rectangle it came from. */
@@ -176,10 +181,17 @@ public:
     /** A rectangle of zeros, without vertices. */
     explicit RectangleROI(void* allocator = nullptr);
 
+    /** @param x,y the corner of smallest coordinates of the unrotated rectangle
+     *  @param width,height size in world units
+     *  @param angle rotation about the centre in degrees */
     RectangleROI(double x, double y, double width, double height, double angle, std::uint64_t frameWidth,
                  std::uint64_t frameHeight, const qPoint64f& scale, const qPoint64f& offset, void* allocator);
+
+    /** The same with the corner as a point. */
     RectangleROI(qPoint64f corner, double width, double height, double angle, std::uint64_t frameWidth,
                  std::uint64_t frameHeight, const qPoint64f& scale, const qPoint64f& offset, void* allocator);
+
+    /** The same as a record. */
     RectangleROI(const Region2d<double>& rectangle, std::uint64_t frameWidth, std::uint64_t frameHeight,
                  const qPoint64f& scale, const qPoint64f& offset, void* allocator);
 
@@ -191,6 +203,7 @@ public:
 
     std::shared_ptr<ROI> DeepCopy() const override;
 
+    /** The rectangle. */
     const Region2d<double>& GetShape() const;
 
 private:
@@ -206,12 +219,17 @@ public:
     /** A sector of zeros. */
     explicit EllipseROI(void* allocator = nullptr);
 
+    /** See EllipticalSector2d for the numbers; note that heights stand before widths. */
     EllipseROI(double centerX, double centerY, double innerHeight, double innerWidth, double outerHeight,
                double outerWidth, double startAngle, double angleSpan, double rotation, std::uint64_t frameWidth,
                std::uint64_t frameHeight, const qPoint64f& scale, const qPoint64f& offset, void* allocator);
+
+    /** The same with the centre as a point. */
     EllipseROI(const qPoint64f& center, double innerHeight, double innerWidth, double outerHeight, double outerWidth,
                double startAngle, double angleSpan, double rotation, std::uint64_t frameWidth,
                std::uint64_t frameHeight, const qPoint64f& scale, const qPoint64f& offset, void* allocator);
+
+    /** The same as a record. */
     EllipseROI(const EllipticalSector2d<double>& ellipse, std::uint64_t frameWidth, std::uint64_t frameHeight,
                const qPoint64f& scale, const qPoint64f& offset, void* allocator);
 
@@ -219,6 +237,7 @@ public:
     MaskType GetShapeType() const override;
     std::shared_ptr<ROI> DeepCopy() const override;
 
+    /** The sector. */
     const EllipticalSector2d<double>& GetShape() const;
 
 protected:
@@ -229,7 +248,7 @@ protected:
     void _CalculateBoundingBox() override;
     void _AssignMaskSliced() override;
 
-    EllipticalSector2d<double> ellipse;
+    EllipticalSector2d<double> ellipse; ///< the sector
 };
 
 /** A sector of a ring. Its box is that of the ellipse it amounts to; its cells are tested against the ring. */
@@ -239,12 +258,17 @@ public:
     /** A sector of zeros. */
     explicit CircleROI(void* allocator = nullptr);
 
+    /** See AnnularSector2d for the numbers. */
     CircleROI(double centerX, double centerY, double innerRadius, double outerRadius, double startAngle,
               double angleSpan, std::uint64_t frameWidth, std::uint64_t frameHeight, const qPoint64f& scale,
               const qPoint64f& offset, void* allocator);
+
+    /** The same with the centre as a point. */
     CircleROI(const qPoint64f& center, double innerRadius, double outerRadius, double startAngle, double angleSpan,
               std::uint64_t frameWidth, std::uint64_t frameHeight, const qPoint64f& scale, const qPoint64f& offset,
               void* allocator);
+
+    /** The same as a record. */
     CircleROI(const AnnularSector2d<double>& annulus, std::uint64_t frameWidth, std::uint64_t frameHeight,
               const qPoint64f& scale, const qPoint64f& offset, void* allocator);
 
@@ -252,6 +276,7 @@ public:
     MaskType GetShapeType() const override;
     std::shared_ptr<ROI> DeepCopy() const override;
 
+    /** The sector. */
     const AnnularSector2d<double>& GetShape() const;
 
 private:
@@ -270,6 +295,7 @@ private:
 class ZDK_VISION_EXPORT SurfaceROI : public SingleROI
 {
 public:
+    /** Shares the layers of @p surface, the reference. */
     SurfaceROI(const Surface& surface, std::uint64_t frameWidth, std::uint64_t frameHeight, const qPoint64f& scale,
                const qPoint64f& offset, void* allocator);
 
@@ -283,13 +309,14 @@ public:
      *  @throws Zo::Exception the platform's status when a layer cannot be copied */
     std::shared_ptr<ROI> DeepCopy() const override;
 
+    /** The reference. */
     const Surface& GetShape() const;
 
 protected:
     void _CalculateBoundingBox() override;
     void _AssignMaskSliced() override;
 
-    Surface surface;
+    Surface surface;             ///< the reference
     qPoint32s surfaceCellOffset; ///< where cell (0, 0) of the box lies in the reference: column, row
 };
 
@@ -298,6 +325,7 @@ protected:
 class ZDK_VISION_EXPORT IntensityROI : public SurfaceROI
 {
 public:
+    /** Shares the layers of @p surface, the reference. Intensities from @p minimum to @p maximum are inside. */
     IntensityROI(const Surface& surface, std::uint64_t frameWidth, std::uint64_t frameHeight, const qPoint64f& scale,
                  const qPoint64f& offset, std::uint8_t minimum, std::uint8_t maximum, void* allocator);
 
@@ -309,13 +337,14 @@ public:
 protected:
     void _AssignMaskSliced() override;
 
+    /** Both ends are inside. */
     struct IntensityRange
     {
-        std::uint8_t minimum;
-        std::uint8_t maximum;
+        std::uint8_t minimum; ///< the lowest intensity inside
+        std::uint8_t maximum; ///< the highest intensity inside
     };
 
-    IntensityRange intensityRange;
+    IntensityRange intensityRange; ///< what is inside
 };
 
 /** The union of other regions: its box is the union of their boxes, and its mask the union of their masks, each laid into
@@ -333,18 +362,19 @@ protected:
 class ZDK_VISION_EXPORT ComposedROI : public ROI
 {
 public:
+    /** No members. */
     explicit ComposedROI(void* allocator = nullptr);
-    ComposedROI(const ComposedROI&) = default;
-    ComposedROI(ComposedROI&&) = default;
-    ComposedROI& operator=(const ComposedROI&) = default;
-    ComposedROI& operator=(ComposedROI&&) = default;
+    ComposedROI(const ComposedROI&) = default;            ///< shares the members
+    ComposedROI(ComposedROI&&) = default;                 ///< takes the members
+    ComposedROI& operator=(const ComposedROI&) = default; ///< shares the members
+    ComposedROI& operator=(ComposedROI&&) = default;      ///< takes the members
 
     /** Adds @p roi, or the members that it has now when it is a composition; null is ignored. Drops the caches. */
     void Add(const std::shared_ptr<ROI>& roi);
 
-    std::vector<std::shared_ptr<ROI>>::const_iterator Begin() const;
-    std::vector<std::shared_ptr<ROI>>::const_iterator End() const;
-    std::uint64_t GetRoiCount() const;
+    std::vector<std::shared_ptr<ROI>>::const_iterator Begin() const; ///< the first member
+    std::vector<std::shared_ptr<ROI>>::const_iterator End() const;   ///< behind the last member
+    std::uint64_t GetRoiCount() const;                               ///< members
 
     /** The box of member @p index; throws #STATUS_BAD_PARAMETER when there is no such member, and as its
      *  ROI::GetBoundingBox(). */
@@ -385,8 +415,8 @@ ZDK_VISION_EXPORT void ThresholdHeight(const Surface& surface, double min, doubl
 /** How MaskOperation() combines two bytes. */
 enum MaskOperationType : std::int32_t
 {
-    MaskOperationAnd = 0,
-    MaskOperationOr = 1
+    MaskOperationAnd = 0, ///< what is in both
+    MaskOperationOr = 1   ///< what is in one of them
 };
 
 /** Combines @p a and @p b, two arrays of one type and size, byte by byte and bitwise, into @p out. Cells other than 0 and 1

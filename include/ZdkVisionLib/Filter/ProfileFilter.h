@@ -99,18 +99,18 @@ public:
      *  One step per cell and weight that can meet a cell, and one per weight of the whole window. */
     ProfileFilter& Gaussian(std::size_t window, double sigma, int keepNulls);
 
-    /** Clears the cells outside a band of heights; both limits are inclusive. Of ::Rank, a percentile p is the valid
-     *  cell of rank `round((n - 1) * p / 100)`; of ::Range, it lies at p percent of the way from the lowest to the
+    /** Clears the cells outside a band of heights; both limits are inclusive. Of #Rank, a percentile p is the valid
+     *  cell of rank `round((n - 1) * p / 100)`; of #Range, it lies at p percent of the way from the lowest to the
      *  highest valid cell. Both are rounded half away from zero.
      *
      *  The whole line is cleared when @p low is not below @p high (also when one of them is not a number), when @p type
-     *  is none of the two, when no cell is valid, and of ::Range when all valid cells are equal.
+     *  is none of the two, when no cell is valid, and of #Range when all valid cells are equal.
      *
      *  @param low in percent; values outside 0 to 100 count as the nearest of these
      *  @param high as @p low
      *  @throws Zo::Exception the platform's status when the line cannot be copied
      *
-     *  Expected time linear in the line; ::Rank takes memory for a copy of it. */
+     *  Expected time linear in the line; #Rank takes memory for a copy of it. */
     ProfileFilter& Percentile(double low, double high, PercentileType type);
 
 private:

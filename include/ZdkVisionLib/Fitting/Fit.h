@@ -116,8 +116,8 @@ ZDK_VISION_EXPORT void FitLineRansac(const qPoint64f* points, std::size_t count,
 template <typename Point>
 ZDK_VISION_EXPORT int FitPolynomial(const Point* points, std::size_t count, std::size_t degree, double* coefficients);
 
-/** The value of a polynomial at @p x, by the rule of W. G. Horner, A new method of solving numerical equations of all
- *  orders, by continuous approximation, Philosophical Transactions of the Royal Society 109, 1819.
+/** The value of a polynomial at @p x, by Horner's rule. Source: W. G. Horner, A new method of solving numerical equations
+ *  of all orders, by continuous approximation, Philosophical Transactions of the Royal Society 109, 1819.
  *  @param coefficients `degree + 1` numbers, the lowest power first; for null the result is null (Zvl::GetNull)
  *  @param degree the highest power, at most 2147483647. Of a higher one the lowest 32 bits are taken, as a number
  *  with sign; without powers above 0 the result is `coefficients[0]`, whatever @p x is. */

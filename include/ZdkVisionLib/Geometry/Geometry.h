@@ -46,10 +46,17 @@ ZDK_VISION_EXPORT void EllipticalSector3dTo2d(const EllipticalSector3d<double>& 
  *  The 3-D forms also ask for `z <= point.z <= z + depth`, unless @p useZ is 0, when no Z is read.
  *  @{ */
 
+/** In the plane. */
 ZDK_VISION_EXPORT int CheckPointInAnnularSector(const AnnularSector2d<double>& sector, const qPoint64f& point);
+
+/** In space. */
 ZDK_VISION_EXPORT int CheckPointInAnnularSector(const AnnularSector3d<double>& sector, const qPoint3d64f& point,
                                                 int useZ);
+
+/** In the plane. */
 ZDK_VISION_EXPORT int CheckPointInEllipticalSector(const EllipticalSector2d<double>& sector, const qPoint64f& point);
+
+/** In space. */
 ZDK_VISION_EXPORT int CheckPointInEllipticalSector(const EllipticalSector3d<double>& sector, const qPoint3d64f& point,
                                                    int useZ);
 

@@ -37,7 +37,7 @@ enum InpaintMethod : int
  *         or @p mask, or share cells with them: the result is that of separate images
  *  @param range radius of the neighbourhood in cells, rounded to the nearest integer (the even one of two) and limited to
  *         1 to 100; what is not a number counts as 1
- *  @param flags one of ::InpaintMethod
+ *  @param flags one of #InpaintMethod
  *  @throws cv::Exception with the function name "Zvl::icvInpaint"
  *   - `cv::Error::StsUnmatchedSizes` when @p mask is not as large as @p source
  *   - `cv::Error::StsUnsupportedFormat` when an image or the mask is not of the types told
@@ -51,7 +51,7 @@ enum InpaintMethod : int
  *
  *  With n cells in the holes and around them, time proportional to n (log n + range^2), and some steps for each cell of the
  *  image. Working memory: up to 12 bytes for each cell of the image and 16 for each cell of the holes and their edges, for
- *  ::CV_INPAINT_TELEA also for those within @p range. On the calling thread, but for what OpenCV does with threads of its
+ *  #CV_INPAINT_TELEA also for those within @p range. On the calling thread, but for what OpenCV does with threads of its
  *  own; calls on different images may run at once.
  *
  *  Sources: A. Telea, An Image Inpainting Technique Based on the Fast Marching Method, 2004. M. Bertalmio, A. L. Bertozzi,

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+/** The platform's exception and its counted handle. */
 namespace Zo
 {
 
@@ -28,15 +29,15 @@ public:
     /** An exception that knows only its status and a message. */
     Exception(int status, const std::string& message);
 
-    Exception(const Exception&) noexcept = default;
-    Exception& operator=(const Exception&) noexcept = default;
+    Exception(const Exception&) noexcept = default;            ///< shares the texts
+    Exception& operator=(const Exception&) noexcept = default; ///< shares the texts
     ~Exception() override;
 
-    int GetLine() const noexcept;
-    const char* GetFile() const noexcept;
-    int GetStatus() const noexcept;
-    const char* GetFunction() const noexcept;
-    const char* GetMessage() const noexcept;
+    int GetLine() const noexcept;             ///< source line of the check; 0 when it is not known
+    const char* GetFile() const noexcept;     ///< source path, relative to the project; may be empty
+    int GetStatus() const noexcept;           ///< the failing status
+    const char* GetFunction() const noexcept; ///< qualified name of the function that failed; may be empty
+    const char* GetMessage() const noexcept;  ///< what was told beyond that; as a rule empty
 
     /** One line for a person: what failed, why, and where. */
     const char* what() const noexcept override;
@@ -52,6 +53,7 @@ private:
 /** Does nothing for #STATUS_OK and throws an Exception bearing @p status for anything else. */
 ZDK_PLATFORM_EXPORT void Test(int status);
 
+/** Handle over a platform object; only `Object<void*>` exists. */
 template <typename Handle>
 class Object;
 
@@ -61,11 +63,12 @@ template <>
 class Object<void*>
 {
 public:
-    Object() noexcept = default;
+    Object() noexcept = default; ///< holds null
 
     /** Takes over the caller's count of @p raw. */
     Object(void* raw) noexcept : handle(raw) {}
 
+    /** Adds a count. Throws when @p other holds an object that is no longer alive. */
     Object(const Object& other) : handle(other.handle)
     {
         if (handle != nullptr)
@@ -74,8 +77,10 @@ public:
         }
     }
 
+    /** Takes the count of @p other, which then holds null. */
     Object(Object&& other) noexcept : handle(other.handle) { other.handle = nullptr; }
 
+    /** Adds a count of what @p other holds, then releases what this handle held. */
     Object& operator=(const Object& other)
     {
         // The share comes first, so that self-assignment never drops the last count.
@@ -87,6 +92,7 @@ public:
         return *this;
     }
 
+    /** Takes the count of @p other, then releases what this handle held. */
     // Releasing what it held may report a failure.
     // NOLINTNEXTLINE(performance-noexcept-move-constructor,bugprone-exception-escape)
     Object& operator=(Object&& other)
@@ -113,7 +119,7 @@ public:
 
     /** The raw handle; no count changes. */
     void* Get() const noexcept { return handle; }
-    operator void*() const noexcept { return handle; }
+    operator void*() const noexcept { return handle; } ///< the raw handle; no count changes
 
     /** Address of the slot, for a construct call to fill. What the handle holds is released first: when a check
      *  makes a construct call twice, the object of the first call must not leak. */

@@ -34,7 +34,7 @@ using qMemory = void*;     ///< in-memory stream
 using qSerializer = void*; ///< typed writer and reader over a stream
 using qThreadPool = void*; ///< worker pool
 
-using qStatus = std::int32_t;
+using qStatus = std::int32_t; ///< the outcome of a call
 
 constexpr qStatus STATUS_OK = 1;               ///< success; every other value is a failure, zero included
 constexpr qStatus STATUS_BAD_PARAMETER = -997; ///< null output, null or wrongly typed array, bad index
@@ -48,43 +48,48 @@ constexpr qStatus STATUS_END_OF_STREAM = -976; ///< a read runs past the end of 
 // ---------------------------------------------------------------------------------------------------------
 // Plain records
 
+/** A point in the plane, single precision. */
 struct qPoint32f
 {
-    float x;
-    float y;
+    float x; ///< along a row
+    float y; ///< along a column
 };
 
+/** A point in the plane. */
 struct qPoint64f
 {
-    double x;
-    double y;
+    double x; ///< along a row
+    double y; ///< along a column
 };
 
+/** A position in a grid. */
 struct qPoint32s
 {
-    std::int32_t x;
-    std::int32_t y;
+    std::int32_t x; ///< along a row
+    std::int32_t y; ///< along a column
 };
 
+/** A cell and its height count, or a run of cells (RLEToMask()). */
 struct qPoint3d32s
 {
-    std::int32_t x;
-    std::int32_t y;
-    std::int32_t z;
+    std::int32_t x; ///< along a row
+    std::int32_t y; ///< along a column
+    std::int32_t z; ///< the height
 };
 
+/** A point in space. */
 struct qPoint3d64f
 {
-    double x;
-    double y;
-    double z;
+    double x; ///< along a row
+    double y; ///< along a column
+    double z; ///< the height
 };
 
 /** A plane as a point on it and its normal. */
 struct qPlane3d64f
 {
-    qPoint3d64f point;
-    qPoint3d64f normal;
+    qPoint3d64f point;  ///< any point of it
+    qPoint3d64f normal; ///< of length 1 where the library returns it
 };
 
 // ---------------------------------------------------------------------------------------------------------
@@ -228,18 +233,18 @@ ZDK_PLATFORM_EXPORT qType qArray2_Type(qArray2 array); ///< element type
 /** The head of every object; what it holds is the platform's own. */
 struct xqObjectLayout
 {
-    alignas(std::uint64_t) unsigned char reserved[64];
+    alignas(std::uint64_t) unsigned char reserved[64]; ///< not for hosts
 };
 
 /** How a two-dimensional array lies in memory: the one layout that is open, so that qArray2_At() needs no
  *  call. */
 struct xqArray2Layout
 {
-    xqObjectLayout object;
-    void* data;
-    std::size_t length0;
-    std::size_t length1;
-    std::size_t itemSize;
+    xqObjectLayout object; ///< the head
+    void* data;            ///< first cell
+    std::size_t length0;   ///< rows
+    std::size_t length1;   ///< columns
+    std::size_t itemSize;  ///< bytes of a cell
 };
 
 /** Address of a cell, without a call into the platform. @p array must be a live two-dimensional array, which
@@ -369,21 +374,25 @@ ZDK_PLATFORM_EXPORT qStatus xqSerializer_ReadPrimitives(qSerializer serializer, 
  *  @param whole 1 */
 ZDK_PLATFORM_EXPORT qStatus xqSerializer_FlushEx(qSerializer serializer, int whole);
 
+/** Writes a 32-bit integer. */
 inline qStatus qSerializer_Write32s(qSerializer serializer, std::int32_t value)
 {
     return xqSerializer_WritePrimitives(serializer, &value, 1, 2);
 }
 
+/** Writes a 64-bit float. */
 inline qStatus qSerializer_Write64f(qSerializer serializer, double value)
 {
     return xqSerializer_WritePrimitives(serializer, &value, 1, 3);
 }
 
+/** Reads a 32-bit integer. */
 inline qStatus qSerializer_Read32s(qSerializer serializer, std::int32_t* value)
 {
     return xqSerializer_ReadPrimitives(serializer, value, 1, 2);
 }
 
+/** Reads a 64-bit float. */
 inline qStatus qSerializer_Read64f(qSerializer serializer, double* value)
 {
     return xqSerializer_ReadPrimitives(serializer, value, 1, 3);

@@ -10,7 +10,7 @@
 /** Rotation (columns 0 to 2) and translation (column 3), row after row. */
 struct qL3dTransform3d
 {
-    double entries[12];
+    double entries[12]; ///< three rows of four
 };
 
 /** Sets @p transform to the identity; null is #STATUS_BAD_PARAMETER. */
