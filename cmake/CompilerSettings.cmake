@@ -8,7 +8,7 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
 
@@ -23,12 +23,17 @@ if(ZDK_FEW_INSTRUCTION_SETS)
     add_compile_definitions(HWY_DISABLED_TARGETS=HWY_AVX3_DL|HWY_AVX3|HWY_SSE4|HWY_SSSE3)
 endif()
 
-# zdk_settings(target): warnings as errors, and results that are the same bits on every machine. Contraction
+# Warnings are errors for those who work on the library, not for a host or a packager with another compiler.
+if(PROJECT_IS_TOP_LEVEL AND NOT DEFINED CMAKE_COMPILE_WARNING_AS_ERROR)
+    set(CMAKE_COMPILE_WARNING_AS_ERROR ON)
+endif()
+
+# zdk_settings(target): warnings, and results that are the same bits on every machine. Contraction
 # into fused multiply-adds would make them depend on the processor. Source paths in exceptions are relative to
 # the project.
 function(zdk_settings target)
     target_compile_options(${target} PRIVATE
-        -Wall -Wextra -Wpedantic -Wconversion -Werror
+        -Wall -Wextra -Wpedantic -Wconversion
         -ffp-contract=off
         -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 endfunction()

@@ -1,19 +1,21 @@
 # What a host needs: headers, the two shared libraries, a CMake package and pkg-config files. The static twins are
-# for the tests and stay behind.
+# for the tests and stay behind. Three components: Runtime, Development and, where they are built, Examples.
 
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/ZdkVisionLib)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME Development)
 
 set_target_properties(ZdkVisionLib PROPERTIES INSTALL_RPATH "$ORIGIN") # the platform lies beside it
-install(TARGETS ZdkVisionPlatform ZdkVisionLib EXPORT ZdkVisionLibTargets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# A set for each part that a host can ask for alone: the platform, the library on it, and OpenCV's headers with them.
+foreach(part "ZdkVisionPlatform:Platform" "ZdkVisionLib:" "ZdkVisionOpenCV:OpenCV")
+    string(REGEX MATCH "^([^:]*):(.*)$" part ${part})
+    install(TARGETS ${CMAKE_MATCH_1} EXPORT ZdkVisionLib${CMAKE_MATCH_2}Targets
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT Runtime NAMELINK_COMPONENT Development)
+    install(EXPORT ZdkVisionLib${CMAKE_MATCH_2}Targets NAMESPACE ZdkVisionLib:: DESTINATION ${package_dir})
+endforeach()
 install(DIRECTORY include/ZdkVisionLib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
 
-install(EXPORT ZdkVisionLibTargets NAMESPACE ZdkVisionLib:: DESTINATION ${package_dir})
-# A set of its own: only a host that asks for this component needs OpenCV's headers.
-install(TARGETS ZdkVisionOpenCV EXPORT ZdkVisionLibOpenCVTargets)
-install(EXPORT ZdkVisionLibOpenCVTargets NAMESPACE ZdkVisionLib:: DESTINATION ${package_dir})
 install(FILES cmake/FindOpenCV.cmake DESTINATION ${package_dir})
 configure_package_config_file(cmake/ZdkVisionLibConfig.cmake.in ${PROJECT_BINARY_DIR}/ZdkVisionLibConfig.cmake
     INSTALL_DESTINATION ${package_dir})
@@ -45,3 +47,17 @@ foreach(module zdkvisionlib zdkvisionplatform zdkvisionlib-opencv)
     file(GENERATE OUTPUT ${PROJECT_BINARY_DIR}/${module}.pc INPUT ${PROJECT_BINARY_DIR}/${module}.pc.configured)
     install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()
+
+# The programs go where nothing else looks for programs: their names are too common for a directory of commands.
+if(ZDK_BUILD_EXAMPLES)
+    get_property(programs DIRECTORY examples PROPERTY BUILDSYSTEM_TARGETS)
+    foreach(program ${programs})
+        get_target_property(type ${program} TYPE)
+        if(type STREQUAL "EXECUTABLE")
+            set_target_properties(${program} PROPERTIES INSTALL_RPATH "$ORIGIN/../..")
+            install(TARGETS ${program}
+                RUNTIME DESTINATION ${CMAKE_INSTALL_LIBDIR}/zdkvisionlib/examples COMPONENT Examples)
+        endif()
+    endforeach()
+    install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zdkvisionlib-examples COMPONENT Examples)
+endif()
