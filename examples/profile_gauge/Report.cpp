@@ -142,10 +142,11 @@ void DrawResult(const Reading& reading, const Groove& drawing, Plot* plot)
     plot->Curve({place(0.0, 0.0), place(0.0, -reading.depth)}, kResult, 2);
     plot->Curve({left, right}, kResult, 2);
     plot->Dots({left, right}, kResult, 5);
-    plot->Label(place(-0.35 * drawing.width, -0.45 * reading.depth),
-                "width " + Examples::MeasureText(reading.width) + " mm");
-    plot->Label(place(0.02 * drawing.width, -0.75 * reading.depth),
-                "depth " + Examples::MeasureText(reading.depth) + " mm");
+    // On both sides of the line of the depth, and on both sides of that of the width.
+    plot->Label(place(0.0, -0.45 * reading.depth), "width " + Examples::MeasureText(reading.width) + " mm",
+                Examples::Align::Right);
+    plot->Label(place(0.0, -0.75 * reading.depth), "depth " + Examples::MeasureText(reading.depth) + " mm",
+                Examples::Align::Left);
 }
 
 void PlotScan(cv::Mat& canvas, const cv::Rect& area, const Recording& recording, const Survey& survey,

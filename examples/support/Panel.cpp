@@ -5,6 +5,8 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include <algorithm>
+
 namespace Examples
 {
 namespace
@@ -27,7 +29,9 @@ void Panel::AddText(const std::string& name, const std::string& number, const st
 
 void Panel::AddResults(const ResultTable& table)
 {
-    AddText("", "measured", "deviation");
+    const auto isKnown = [](const Result& result) { return result.expected.has_value(); };
+    const bool anyKnown = std::any_of(table.Results().begin(), table.Results().end(), isKnown);
+    AddText("", "measured", anyKnown ? "deviation" : "");
     for (const Result& result : table.Results())
     {
         AddText(result.feature, result.measured ? MeasureText(*result.measured) + " " + result.unit : "-",

@@ -1,7 +1,5 @@
 #include "support/Plot.h"
 
-#include "support/Drawing.h"
-
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
@@ -68,10 +66,11 @@ void Plot::Curve(const std::vector<qPoint64f>& points, const cv::Scalar& colour,
     }
 }
 
-void Plot::Label(const qPoint64f& place, const std::string& text)
+void Plot::Label(const qPoint64f& place, const std::string& text, Align align)
 {
+    constexpr int kGap = 8;
     const cv::Point at = Pixel(place);
-    WriteText(canvas, text, at.x, at.y);
+    WriteText(canvas, text, at.x + (align == Align::Right ? -kGap : kGap), at.y - kGap, kTextSize, align);
 }
 
 bool Plot::IsInside(const qPoint64f& point) const

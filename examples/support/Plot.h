@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/Drawing.h"
+
 #include <ZdkVisionLib/platform/qApi.h>
 
 #include <opencv2/core.hpp>
@@ -30,8 +32,8 @@ public:
     /** Parts outside the range are left out. */
     void Curve(const std::vector<qPoint64f>& points, const cv::Scalar& colour, int thickness = 1);
 
-    /** Writes @p text with its lower left end at @p place. */
-    void Label(const qPoint64f& place, const std::string& text);
+    /** Writes @p text a little above @p place, to its left or right. */
+    void Label(const qPoint64f& place, const std::string& text, Align align);
 
 private:
     bool IsInside(const qPoint64f& point) const;
