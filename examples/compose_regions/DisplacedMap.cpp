@@ -4,7 +4,6 @@
 #include "support/HeightMap.h"
 #include "support/RegionMaker.h"
 #include "support/Stopwatch.h"
-#include "support/Text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -131,12 +130,11 @@ std::shared_ptr<Zvl::ROI> TeachData(const Zvl::Surface& map, const Extent& exten
 
 } // namespace
 
-Scene DisplacedMap(const Examples::Options::MapFiles& files)
+Scene DisplacedMap(const std::string& title, const Zvl::Surface& map)
 {
     Scene scene;
-    scene.title = Examples::FileName(files.png);
-    scene.reference = Examples::LoadHeightMap(files.png, files.json);
-    const Zvl::Surface& map = scene.reference;
+    scene.title = title;
+    scene.reference = map;
     const Extent extent(map);
     scene.truth.displacement = Displacement(extent);
     scene.next = Displaced(map, scene.truth.displacement);

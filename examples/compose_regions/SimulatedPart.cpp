@@ -2,6 +2,7 @@
 
 #include "compose_regions/HoleSearch.h"
 #include "compose_regions/PartDrawing.h"
+#include "compose_regions/SameFrame.h"
 #include "support/HeightMap.h"
 #include "support/RegionMaker.h"
 #include "support/SimulatedSensor.h"
@@ -26,6 +27,7 @@ constexpr double kMargin = 0.25; // mm that a region stays away from the edges o
 constexpr qPoint64f kPost{66.2, 11.0};
 constexpr double kPostRadius = 2.0;
 constexpr double kPostHeight = 1.0;
+constexpr Zvl::Anchor kDisplacement{1.3, -0.9, Zvl::GetNull<double>(), 2.2}; // in the next scan
 
 /** The fixture's post has the outline of a clover leaf. */
 bool IsOnPost(const qPoint64f& place)
@@ -117,14 +119,24 @@ void FindFeatures(const PartDrawing& drawing, Scene* scene)
 
 } // namespace
 
-Scene SimulatedPart()
+Zvl::Surface SimulateReferenceScan()
+{
+    return Scan({0.0, 0.0, 0.0, 0.0}, 101);
+}
+
+Zvl::Surface SimulateNextScan()
+{
+    return Scan(kDisplacement, 202);
+}
+
+Scene KnownPart(const std::string& title, const Zvl::Surface& reference, const Zvl::Surface& next)
 {
     const PartDrawing drawing;
     Scene scene;
-    scene.title = "cover plate (simulated)";
-    scene.truth.displacement = {1.3, -0.9, Zvl::GetNull<double>(), 2.2};
-    scene.reference = Scan({0.0, 0.0, 0.0, 0.0}, 101);
-    scene.next = Scan(scene.truth.displacement, 202);
+    scene.title = title;
+    scene.truth.displacement = kDisplacement;
+    scene.reference = reference;
+    scene.next = InFrameOf(reference, next);
     FindFeatures(drawing, &scene);
 
     const Examples::RegionMaker maker(scene.reference);

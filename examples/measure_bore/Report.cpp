@@ -1,7 +1,6 @@
 #include "measure_bore/Report.h"
 
 #include "support/PlaneDistance.h"
-#include "support/PngFile.h"
 #include "support/Text.h"
 
 #include <cmath>
@@ -189,7 +188,7 @@ ResultTable Tabulate(const Measurement& measurement, const std::optional<Truth>&
     return table;
 }
 
-void WritePicture(const Measurement& measurement, const ResultTable& table, const std::string& path)
+cv::Mat DrawPicture(const Measurement& measurement, const ResultTable& table)
 {
     Examples::MapPicture picture(measurement.surface, measurement.plane.plane, measurement.colours,
                                  measurement.title + ", height over the fitted plane");
@@ -209,7 +208,7 @@ void WritePicture(const Measurement& measurement, const ResultTable& table, cons
         picture.AddMagnifier(measurement.circle->rejected.front(), 0.25 * measurement.circle->radius,
                              "around the first rejected edge point");
     }
-    Examples::WritePng(path, picture.Compose());
+    return picture.Compose();
 }
 
 } // namespace MeasureBore

@@ -34,7 +34,7 @@ struct Truth
 
 Examples::ResultTable Tabulate(const Measurement& measurement, const std::optional<Truth>& truth);
 
-/** Draws the map in false colours with all that was found, and writes it as PNG. */
-void WritePicture(const Measurement& measurement, const Examples::ResultTable& table, const std::string& path);
+/** The map in false colours with all that was found. */
+cv::Mat DrawPicture(const Measurement& measurement, const Examples::ResultTable& table);
 
 } // namespace MeasureBore

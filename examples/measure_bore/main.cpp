@@ -1,20 +1,20 @@
 // Measures a bore from a height map: from the scan to a region, its points, and a circle. Without arguments it
-// simulates the scan of a plate, whose values are known; with --map it measures what it finds in the given map.
+// simulates the scan of a plate, whose values are known; with --input it measures what it finds in the given map.
 
 #include "measure_bore/Features.h"
 #include "measure_bore/Report.h"
 #include "measure_bore/SimulatedPlate.h"
-#include "support/HeightMap.h"
+#include "support/Conclusion.h"
 #include "support/PlaneDistance.h"
 #include "support/Program.h"
 #include "support/Recess.h"
+#include "support/ScanSource.h"
 #include "support/Stopwatch.h"
 #include "support/Text.h"
 
 #include <algorithm>
 #include <cmath>
 #include <exception>
-#include <iostream>
 #include <stdexcept>
 
 using namespace MeasureBore;
@@ -66,11 +66,9 @@ std::shared_ptr<Zvl::ROI> FaceRegion(const PlateDrawing& drawing, double border,
     return MakePolygon({{border, border}, {right, border}, {right, bottom}, {border, bottom}}, frame);
 }
 
-Measurement MeasureSimulatedPlate(const PlateDrawing& drawing, const PlatePose& pose)
+void MeasurePlate(const PlateDrawing& drawing, Measurement* measurement, Examples::Progress& progress)
 {
-    Measurement result;
-    result.title = "Plate with bore and ball seat (simulated scan)";
-    result.surface = SimulateScan(drawing, pose);
+    Measurement& result = *measurement;
     const Zvl::Surface& scan = result.surface;
     const Frame frame(scan);
 
@@ -79,6 +77,7 @@ Measurement MeasureSimulatedPlate(const PlateDrawing& drawing, const PlatePose& 
     const Percentiles faceShare{12.0, 98.0};
 
     // Where does the part lie? Its face as drawn is near enough to find its recesses.
+    progress.Begin("locating the part");
     const Examples::Stopwatch search;
     const auto drawnFace = FaceRegion(drawing, 3.0, frame);
     const qPlane3d64f roughFace = MeasurePlane(scan, *drawnFace, faceHeights, faceShare).plane;
@@ -87,18 +86,20 @@ Measurement MeasureSimulatedPlate(const PlateDrawing& drawing, const PlatePose& 
     result.searchMilliseconds = search.Milliseconds();
 
     // From here on every region of the drawing is moved to where the part lies.
+    progress.Begin("fitting the plane");
     const auto face = FaceRegion(drawing, 1.0, frame)->ApplyAnchor(anchor);
     result.plane = MeasurePlane(scan, *face, faceHeights, faceShare);
 
+    progress.Begin("fitting the circle");
     const auto rim =
         MakeRing(drawing.bore, 0.75 * drawing.boreRadius, 1.25 * drawing.boreRadius, frame)->ApplyAnchor(anchor);
     result.circle = MeasureCircle(scan, *rim, result.plane.plane, 0.3);
 
+    progress.Begin("fitting the sphere");
     const auto seat = MakeRing(drawing.seat, 0.0, 4.2, frame)->ApplyAnchor(anchor);
     result.sphere = MeasureSphere(scan, *seat, {-2.0, 1.3});
 
     result.colours = {-1.05 * drawing.seatDepth, 0.4};
-    return result;
 }
 
 // ---------------------------------------------------------------------------------------------------------
@@ -136,11 +137,9 @@ void MeasureRecess(const Examples::Recess& recess, double depth, const Frame& fr
     }
 }
 
-Measurement MeasureGivenMap(const Examples::Options::MapFiles& files)
+void MeasureWhatIsThere(Measurement* measurement, Examples::Progress& progress)
 {
-    Measurement result;
-    result.title = files.png.substr(files.png.find_last_of('/') + 1);
-    result.surface = Examples::LoadHeightMap(files.png, files.json);
+    Measurement& result = *measurement;
     const Zvl::Surface& map = result.surface;
     const Frame frame(map);
 
@@ -148,10 +147,12 @@ Measurement MeasureGivenMap(const Examples::Options::MapFiles& files)
     const double bottom = map.offset.y + static_cast<double>(frame.height - 1) * map.scale.y;
     const auto whole = MakePolygon(
         {{map.offset.x, map.offset.y}, {right, map.offset.y}, {right, bottom}, {map.offset.x, bottom}}, frame);
+    progress.Begin("fitting the plane");
     result.plane = MeasurePlane(map, *whole, {}, {5.0, 95.0});
     result.colours = Examples::TypicalRange(map, result.plane.plane, 0.5);
 
     // Deeper than the face is uneven, round, and no speck: that is taken for a bore.
+    progress.Begin("searching recesses");
     const Examples::Stopwatch search;
     const double depth = result.plane.flatness;
     const std::vector<Examples::Recess> recesses = Examples::FindRecesses(map, result.plane.plane, depth, 0.001);
@@ -161,37 +162,51 @@ Measurement MeasureGivenMap(const Examples::Options::MapFiles& files)
     if (round == recesses.end())
     {
         result.remark = "no round recess found, so no circle is fitted";
-        return result;
+        return;
     }
+    progress.Begin("fitting circle and sphere");
     MeasureRecess(*round, depth, frame, &result);
-    return result;
 }
 
 // ---------------------------------------------------------------------------------------------------------
 
-bool Measure(const Examples::Options& options)
+bool Measure(const Examples::Options& options, Examples::Progress& progress)
 {
     const PlateDrawing drawing;
     const PlatePose pose{{0.9, -0.6, Zvl::GetNull<double>(), 2.5}, 0.03, -0.012};
 
-    const Measurement measurement = options.map ? MeasureGivenMap(*options.map) : MeasureSimulatedPlate(drawing, pose);
-    const Examples::ResultTable table =
-        options.map ? Tabulate(measurement, std::nullopt) : Tabulate(measurement, Truth{drawing, pose});
-
-    table.Print(std::cout);
-    if (!measurement.remark.empty())
+    Measurement measurement;
+    measurement.title = options.Title("Plate with bore and ball seat (simulated scan)");
+    measurement.surface = Examples::TakeScan(
+        options, [&] { return SimulateScan(drawing, pose); }, progress);
+    if (options.HasTruth())
     {
-        std::cout << measurement.remark << '\n';
+        MeasurePlate(drawing, &measurement, progress);
     }
-    const bool isFine = table.PrintVerdict(std::cout);
-    WritePicture(measurement, table, options.output);
-    std::cout << "picture: " << options.output << '\n';
-    return isFine;
+    else
+    {
+        MeasureWhatIsThere(&measurement, progress);
+    }
+    const Examples::ResultTable table =
+        Tabulate(measurement, options.HasTruth() ? std::optional(Truth{drawing, pose}) : std::nullopt);
+    progress.Begin("drawing");
+    return Examples::Conclude(table, measurement.remark, DrawPicture(measurement, table), options.output, progress);
 }
+
+const Examples::Description kDescription = {
+    .name = "measure_bore",
+    .summary = "measures plane, bore and ball seat of a plate",
+    .task = R"(It walks the whole road from a scan to values: a region, the anchor that moves it to where the part
+lies, limits of height, percentiles, points, and the fits of a plane, a circle and a sphere. The
+picture is the map in false colours with all that was found.)",
+    .input = R"(An input should show a flat part with a round recess. The plane is fitted to all of it, the circle
+to the edge of the largest round recess, the sphere to its bottom.)",
+    .knownPart = R"(For the known part, the plate with bore and ball seat, the regions come from its drawing.
+)"};
 
 } // namespace
 
 int main(int argumentCount, char** arguments)
 {
-    return Examples::RunProgram(argumentCount, arguments, "measure_bore.png", Measure);
+    return Examples::RunProgram(argumentCount, arguments, kDescription, Measure);
 }

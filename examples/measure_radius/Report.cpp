@@ -2,7 +2,6 @@
 
 #include "support/MapPicture.h"
 #include "support/Plot.h"
-#include "support/PngFile.h"
 #include "support/Text.h"
 
 #include <algorithm>
@@ -255,7 +254,7 @@ Examples::ResultTable Tabulate(const Measurement& measurement, std::optional<dou
     return table;
 }
 
-void WritePicture(const Measurement& measurement, const std::string& path)
+cv::Mat DrawPicture(const Measurement& measurement)
 {
     constexpr int kPlotHeight = 340;
     constexpr int kPlotTop = 70;
@@ -272,7 +271,7 @@ void WritePicture(const Measurement& measurement, const std::string& path)
     PlotSections(canvas, area(0), measurement);
     PlotResiduals(canvas, area(1), measurement);
     PlotRadii(canvas, area(2), measurement);
-    Examples::WritePng(path, canvas);
+    return canvas;
 }
 
 } // namespace MeasureRadius

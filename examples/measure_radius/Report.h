@@ -3,6 +3,8 @@
 #include "measure_radius/Sections.h"
 #include "support/ResultTable.h"
 
+#include <opencv2/core.hpp>
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,8 +38,7 @@ struct RadiusStatistics
 /** One line for each section, and the statistics; checked where @p nominalRadius is known. */
 Examples::ResultTable Tabulate(const Measurement& measurement, std::optional<double> nominalRadius);
 
-/** Draws the map with its sections, some of the sections with their circles and residuals, and the radii, and writes
- * the picture as PNG. */
-void WritePicture(const Measurement& measurement, const std::string& path);
+/** The map with its sections, some of the sections with their circles and residuals, and the radii. */
+cv::Mat DrawPicture(const Measurement& measurement);
 
 } // namespace MeasureRadius

@@ -1,15 +1,15 @@
 // Measures the radius of a curved surface: cuts a height map into sections across the curve and fits a circle to each.
-// Without arguments it simulates the scan of a cylinder, whose radius is known; with --map it measures the given map.
+// Without arguments it simulates the scan of a cylinder, whose radius is known; with --input it measures the given map.
 
 #include "measure_radius/Report.h"
 #include "measure_radius/Sections.h"
 #include "measure_radius/SimulatedCylinder.h"
-#include "support/HeightMap.h"
+#include "support/Conclusion.h"
 #include "support/Program.h"
+#include "support/ScanSource.h"
 #include "support/Stopwatch.h"
 
 #include <algorithm>
-#include <iostream>
 #include <stdexcept>
 
 using namespace MeasureRadius;
@@ -19,8 +19,9 @@ namespace
 
 constexpr std::size_t kSections = 16;
 
-Measurement MeasureMap(const std::string& title, const Zvl::Surface& surface)
+Measurement MeasureMap(const std::string& title, const Zvl::Surface& surface, Examples::Progress& progress)
 {
+    progress.Begin("fitting circles to sections");
     const Examples::Stopwatch stopwatch;
     Measurement result{title, surface, CurvedDirection(surface), {}, 0, 0.0};
     const std::size_t lines = LineCount(surface, result.direction);
@@ -37,6 +38,7 @@ Measurement MeasureMap(const std::string& title, const Zvl::Surface& surface)
         {
             ++result.skipped;
         }
+        progress.Reached(section + 1, sections);
     }
     if (result.circles.empty())
     {
@@ -46,29 +48,32 @@ Measurement MeasureMap(const std::string& title, const Zvl::Surface& surface)
     return result;
 }
 
-bool Measure(const Examples::Options& options)
+bool Measure(const Examples::Options& options, Examples::Progress& progress)
 {
-    const Measurement measurement = options.map
-                                        ? MeasureMap(options.map->png.substr(options.map->png.find_last_of('/') + 1),
-                                                     Examples::LoadHeightMap(options.map->png, options.map->json))
-                                        : MeasureMap("Cylinder (simulated scan)", SimulateCylinder());
+    const Zvl::Surface scan = Examples::TakeScan(options, SimulateCylinder, progress);
+    const Measurement measurement = MeasureMap(options.Title("Cylinder (simulated scan)"), scan, progress);
     const Examples::ResultTable table =
-        Tabulate(measurement, options.map ? std::nullopt : std::optional(kNominalRadius));
-
-    table.Print(std::cout);
-    if (measurement.skipped > 0)
-    {
-        std::cout << measurement.skipped << " sections have too few heights, or are straight\n";
-    }
-    const bool isFine = table.PrintVerdict(std::cout);
-    WritePicture(measurement, options.output);
-    std::cout << "picture: " << options.output << '\n';
-    return isFine;
+        Tabulate(measurement, options.HasTruth() ? std::optional(kNominalRadius) : std::nullopt);
+    const std::string remark = measurement.skipped > 0 ? std::to_string(measurement.skipped) +
+                                                             " sections have too few heights, or are straight"
+                                                       : "";
+    progress.Begin("drawing");
+    return Examples::Conclude(table, remark, DrawPicture(measurement), options.output, progress);
 }
+
+const Examples::Description kDescription = {
+    .name = "measure_radius",
+    .summary = "measures the radius of a curved surface",
+    .task = R"(It cuts a map into 16 sections across the direction in which the surface is curved, and fits a circle
+to each. The picture shows the map with its sections, some sections with their circles, what keeps
+the heights from the circles, and the radii.)",
+    .input = R"(An input should show a part of a cylinder that lies along x or y.)",
+    .knownPart = R"(The known part is a cylinder of radius 5 mm.
+)"};
 
 } // namespace
 
 int main(int argumentCount, char** arguments)
 {
-    return Examples::RunProgram(argumentCount, arguments, "measure_radius.png", Measure);
+    return Examples::RunProgram(argumentCount, arguments, kDescription, Measure);
 }

@@ -118,14 +118,19 @@ struct Scan
 
 } // namespace
 
-Task SimulatedPanel()
+Zvl::Surface SimulateScan()
+{
+    const Scan scan{FlawedHeight, SprayOil(250), 400, 600, {0.0, 0.0, 1.0}};
+    return scan.Record({501, kFaults, scan.offset.z, kCount});
+}
+
+Task KnownPanel(const std::string& title, const Zvl::Surface& scan)
 {
     // Both begin a whole number of decimated cells apart, so that their grids coincide once they are decimated.
-    const Scan scan{FlawedHeight, SprayOil(250), 400, 600, {0.0, 0.0, 1.0}};
     const Scan golden{SoundHeight, {}, 460, 680, {-3.6, -2.8, -2.5}};
     Task task;
-    task.title = "pressed panel (simulated)";
-    task.scan = scan.Record({501, kFaults, scan.offset.z, kCount});
+    task.title = title;
+    task.scan = scan;
     task.golden = Preparation(golden.Record({502, kGoldenFaults, golden.offset.z, kCount})).decimated.surface;
     task.goldenName = "golden surface";
     task.limit = 0.04;

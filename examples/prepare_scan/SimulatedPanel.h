@@ -5,8 +5,12 @@
 namespace PrepareScan
 {
 
-/** A pressed panel with two beads and a bore, scanned with noise and dropouts. It has a dent and a burr, which the sound
- *  panel that the golden surface was made from does not have. */
-Task SimulatedPanel();
+/** Simulates the scan of a pressed panel with two beads, a bore, a dent and a burr: noise and dropouts. Every call gives the
+ *  same scan. */
+Zvl::Surface SimulateScan();
+
+/** The comparison of this scan, or of another one of the same panel, with a golden surface that was made from a sound
+ *  panel. */
+Task KnownPanel(const std::string& title, const Zvl::Surface& scan);
 
 } // namespace PrepareScan

@@ -2,7 +2,6 @@
 
 #include "profile_gauge/Line.h"
 #include "support/HeightMap.h"
-#include "support/Text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -103,28 +102,27 @@ private:
     double land;
 };
 
-Zvl::Profile RowProfile(const Zvl::Surface& map, std::size_t row)
+} // namespace
+
+LineScan RowScan(const Zvl::Surface& map, std::size_t row)
 {
     Zvl::Profile profile(&map.offset, &map.scale);
     profile.AddLayer(xxq16s_type, Examples::Columns(map), nullptr);
     std::copy_n(Examples::HeightRow(map, row), Examples::Columns(map),
                 static_cast<short*>(qArray1_Data(profile.layers[0])));
-    return profile;
+    return {map.offset.y + static_cast<double>(row) * map.scale.y, profile};
 }
 
-} // namespace
-
-Recording MapRows(const Examples::Options::MapFiles& files)
+Recording MapRows(const std::string& title, const Zvl::Surface& map)
 {
-    const Zvl::Surface map = Examples::LoadHeightMap(files.png, files.json);
     const MeanGroove mean(MeanRow(map));
-    Recording recording{Examples::FileName(files.png), {}, mean.Drawing(), mean.Place(), std::nullopt};
+    Recording recording{title, {}, mean.Drawing(), mean.Place(), std::nullopt};
     const std::size_t rows = Examples::Rows(map);
     const std::size_t scans = std::min(rows, kMostScans);
     for (std::size_t scan = 0; scan < scans; ++scan)
     {
         const std::size_t row = (2 * scan + 1) * rows / (2 * scans); // in the middle of each of as many strips
-        recording.scans.push_back({map.offset.y + static_cast<double>(row) * map.scale.y, RowProfile(map, row)});
+        recording.scans.push_back(RowScan(map, row));
     }
     return recording;
 }

@@ -1,5 +1,8 @@
 #include "profile_gauge/SimulatedGroove.h"
 
+#include "profile_gauge/MapRows.h"
+#include "support/HeightMap.h"
+#include "support/InputError.h"
 #include "support/SimulatedSensor.h"
 
 #include <algorithm>
@@ -14,9 +17,8 @@ namespace
 
 constexpr std::size_t kScans = 60;
 constexpr std::size_t kItems = 600;
-constexpr double kScanPitch = 0.5; // mm
-constexpr qPoint64f kScale{0.02, 0.001};
-constexpr qPoint64f kOffset{-6.0, 5.0}; // the groove is expected in the middle of the line
+constexpr qPoint3d64f kScale{0.02, 0.5, 0.001}; // mm
+constexpr qPoint3d64f kOffset{-6.0, 0.0, 5.0};  // the groove is expected in the middle of the line
 constexpr Examples::SimulatedSensor::Faults kFaults{0.006, 0.01, 0.003, 2.0};
 constexpr double kWallDropouts = 0.25;
 
@@ -38,11 +40,8 @@ Outline OutlineOf(const Groove& groove, const Zvl::RefFrame& place)
     return outline;
 }
 
-Zvl::Profile Scan(const Outline& outline, Examples::SimulatedSensor* sensor)
+void Scan(const Outline& outline, Examples::SimulatedSensor* sensor, short* heights)
 {
-    Zvl::Profile scan(kOffset, kScale);
-    scan.AddLayer(xxq16s_type, kItems, nullptr);
-    auto* heights = static_cast<short*>(qArray1_Data(scan.layers[0]));
     for (std::size_t item = 0; item < kItems; ++item)
     {
         const double x = kOffset.x + static_cast<double>(item) * kScale.x;
@@ -52,7 +51,6 @@ Zvl::Profile Scan(const Outline& outline, Examples::SimulatedSensor* sensor)
         const double slope = (to->y - from->y) / (to->x - from->x);
         heights[item] = sensor->Measure(from->y + slope * (x - from->x), std::abs(slope) > 1.0 ? kWallDropouts : 0.0);
     }
-    return scan;
 }
 
 /** The groove under scan @p index. */
@@ -67,25 +65,35 @@ Groove GrooveUnder(std::size_t index)
 
 } // namespace
 
-Recording SimulatedGroove()
+Zvl::Surface SimulateScans()
 {
-    Recording recording{"groove of a plate (simulated)",
-                        {},
-                        kDrawing,
-                        {0.0, kPlateHeight, Zvl::GetNull<double>(), 0.0},
-                        std::vector<Groove>{}};
+    Zvl::Surface scans = Examples::MakeSurface(kScans, kItems, kScale, kOffset, false);
     std::mt19937 generator(307);
     std::uniform_real_distribution<double> tremble(-1.0, 1.0);
-    Examples::SimulatedSensor sensor(303, kFaults, kOffset.y, kScale.y);
+    Examples::SimulatedSensor sensor(303, kFaults, kOffset.z, kScale.z);
     for (std::size_t index = 0; index < kScans; ++index)
     {
         const double x = 0.4 * tremble(generator);
         const double height = kPlateHeight + 0.15 * tremble(generator);
         Zvl::RefFrame place;
         place.SetFrame({x, height, 0.0}, 1.0 * tremble(generator));
+        Scan(OutlineOf(GrooveUnder(index), place), &sensor, Examples::HeightRow(scans, index));
+    }
+    return scans;
+}
+
+Recording KnownGroove(const std::string& title, const Zvl::Surface& scans)
+{
+    if (Examples::Rows(scans) != kScans)
+    {
+        throw Examples::InputError(title + ": has " + std::to_string(Examples::Rows(scans)) +
+                                   " rows, but the known part has " + std::to_string(kScans) + " line scans");
+    }
+    Recording recording{title, {}, kDrawing, {0.0, kPlateHeight, Zvl::GetNull<double>(), 0.0}, std::vector<Groove>{}};
+    for (std::size_t index = 0; index < kScans; ++index)
+    {
         recording.truth->push_back(GrooveUnder(index));
-        recording.scans.push_back(
-            {static_cast<double>(index) * kScanPitch, Scan(OutlineOf(recording.truth->back(), place), &sensor)});
+        recording.scans.push_back(RowScan(scans, index));
     }
     return recording;
 }

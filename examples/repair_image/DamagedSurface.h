@@ -9,10 +9,10 @@
 namespace RepairImage
 {
 
-/** Where a surface comes from. Errors have a tolerance where it is simulated. */
+/** What a surface shows. Errors have a tolerance where it is the known part. */
 enum class Origin
 {
-    Simulated,
+    KnownPart,
     File
 };
 

@@ -86,10 +86,20 @@ Repair WithErrors(Repair repair, const DamagedSurface& piece)
 
 } // namespace
 
-std::vector<Repair> RepairAll(const DamagedSurface& piece)
+std::vector<Repair> RepairAll(const DamagedSurface& piece, Examples::Progress& progress)
 {
-    return {WithErrors(Inpaint(piece, "Navier-Stokes", Zvl::CV_INPAINT_NS), piece),
-            WithErrors(Inpaint(piece, "Telea", Zvl::CV_INPAINT_TELEA), piece), WithErrors(FillGaps(piece), piece)};
+    constexpr std::size_t kMethods = 3;
+    std::vector<Repair> repairs;
+    const auto add = [&](const Repair& repair)
+    {
+        repairs.push_back(WithErrors(repair, piece));
+        progress.Reached(repairs.size(), kMethods);
+    };
+    progress.Begin("repairing");
+    add(Inpaint(piece, "Navier-Stokes", Zvl::CV_INPAINT_NS));
+    add(Inpaint(piece, "Telea", Zvl::CV_INPAINT_TELEA));
+    add(FillGaps(piece));
+    return repairs;
 }
 
 } // namespace RepairImage

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "repair_image/DamagedSurface.h"
+#include "support/Progress.h"
 
 #include <cstddef>
 #include <optional>
@@ -33,6 +34,6 @@ struct Repair
 };
 
 /** Repairs a piece with each of the methods: two that continue the image into its holes, and gap filling. */
-std::vector<Repair> RepairAll(const DamagedSurface& piece);
+std::vector<Repair> RepairAll(const DamagedSurface& piece, Examples::Progress& progress);
 
 } // namespace RepairImage

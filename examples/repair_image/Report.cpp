@@ -167,9 +167,9 @@ cv::Mat DrawKind(const Kind& kind, const DamagedSurface& piece, const std::vecto
 
 ResultTable Tabulate(const DamagedSurface& piece, const std::vector<Repair>& repairs)
 {
-    const bool isSimulated = piece.origin == Origin::Simulated;
+    const bool isKnown = piece.origin == Origin::KnownPart;
     const auto expect = [&](double nominal, double tolerance) {
-        return isSimulated ? std::optional(Expected{nominal, tolerance}) : std::nullopt;
+        return isKnown ? std::optional(Expected{nominal, tolerance}) : std::nullopt;
     };
     ResultTable table;
     for (const Repair& repair : repairs)

@@ -7,8 +7,10 @@
 namespace Examples
 {
 
-bool Conclude(const ResultTable& table, const std::string& remark, const cv::Mat& picture, const std::string& path)
+bool Conclude(const ResultTable& table, const std::string& remark, const cv::Mat& picture, const std::string& path,
+              Progress& progress)
 {
+    progress.End();
     table.Print(std::cout);
     if (!remark.empty())
     {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/Progress.h"
 #include "support/ResultTable.h"
 
 #include <opencv2/core.hpp>
@@ -12,6 +13,7 @@ namespace Examples
 /** The end of an example: prints the results, a remark if there is one, and the verdict, and writes the picture.
  *  @return true when all measured values are as they should be
  *  @throws InputError when the picture cannot be written */
-bool Conclude(const ResultTable& table, const std::string& remark, const cv::Mat& picture, const std::string& path);
+bool Conclude(const ResultTable& table, const std::string& remark, const cv::Mat& picture, const std::string& path,
+              Progress& progress);
 
 } // namespace Examples

@@ -1,5 +1,7 @@
 #include "support/PngFile.h"
 
+#include "support/FileBytes.h"
+#include "support/HeightGrid.h"
 #include "support/InputError.h"
 
 #include <opencv2/imgcodecs.hpp>
@@ -7,8 +9,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <fstream>
-#include <iterator>
+#include <optional>
+#include <png.h>
+#include <string_view>
 #include <vector>
 
 namespace Examples
@@ -21,7 +24,6 @@ using Bytes = std::vector<std::uint8_t>;
 constexpr std::array<std::uint8_t, 8> kSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
 constexpr std::size_t kChunkFrame = 12; // length, name and checksum around the data of a chunk
 constexpr std::size_t kHeaderEnd = kSignature.size() + kChunkFrame + 13;
-constexpr std::uint64_t kMostCells = std::uint64_t{1} << 28;
 
 std::uint32_t BigEndian(const Bytes& bytes, std::size_t position)
 {
@@ -44,35 +46,47 @@ std::uint32_t Checksum(const Bytes& bytes, std::size_t begin, std::size_t end)
     return ~sum;
 }
 
-/** Walks the chunks up to the end mark. The decoder would report damage on the error stream by itself, in lines that
- *  mean little to a user; so it only gets sound files. */
-bool IsSoundPng(const Bytes& bytes)
+/** Whether a chunk is one that cells cannot be decoded without. */
+bool IsNeeded(std::string_view name)
+{
+    return name == "IHDR" || name == "IDAT" || name == "IEND";
+}
+
+/** The chunks of a grey PNG that its cells are decoded from, or nothing when a chunk is damaged. The others may tell how a
+ *  picture is to look on a screen, by which heights would change. */
+std::optional<Bytes> NeededChunks(const Bytes& bytes)
 {
     if (bytes.size() < kHeaderEnd || !std::equal(kSignature.begin(), kSignature.end(), bytes.begin()))
     {
-        return false;
+        return std::nullopt;
     }
+    Bytes needed(kSignature.begin(), kSignature.end());
     std::size_t chunk = kSignature.size();
     while (bytes.size() - chunk >= kChunkFrame)
     {
         const std::size_t length = BigEndian(bytes, chunk);
         if (length > bytes.size() - chunk - kChunkFrame)
         {
-            return false;
+            return std::nullopt;
         }
         const std::size_t dataEnd = chunk + 8 + length;
         if (BigEndian(bytes, dataEnd) != Checksum(bytes, chunk + 4, dataEnd))
         {
-            return false;
+            return std::nullopt;
         }
-        if (std::equal(bytes.begin() + static_cast<std::ptrdiff_t>(chunk) + 4,
-                       bytes.begin() + static_cast<std::ptrdiff_t>(chunk) + 8, "IEND"))
+        const auto at = [&](std::size_t place) { return bytes.begin() + static_cast<std::ptrdiff_t>(place); };
+        const std::string name(at(chunk + 4), at(chunk + 8));
+        if (IsNeeded(name))
         {
-            return true;
+            needed.insert(needed.end(), at(chunk), at(dataEnd + 4));
+        }
+        if (name == "IEND")
+        {
+            return needed;
         }
         chunk = dataEnd + 4;
     }
-    return false;
+    return std::nullopt;
 }
 
 void RequireGrey16(const Bytes& bytes, const std::string& path)
@@ -84,48 +98,49 @@ void RequireGrey16(const Bytes& bytes, const std::string& path)
         throw InputError(path + ": must be a grey PNG of 16 bits, but has " +
                          (colourType == 0 ? std::to_string(bitDepth) + " bits" : "colours or transparency"));
     }
-    const std::uint64_t cells = std::uint64_t{BigEndian(bytes, 16)} * BigEndian(bytes, 20);
-    if (cells == 0 || cells > kMostCells)
+    CellCount(BigEndian(bytes, 20), BigEndian(bytes, 16), path);
+}
+
+cv::Mat Decode(const Bytes& bytes, const std::string& path)
+{
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    cv::Mat picture;
+    bool isDecoded = png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) != 0;
+    if (isDecoded)
     {
-        throw InputError(path + ": has " + std::to_string(cells) + " cells; 1 to " + std::to_string(kMostCells) +
-                         " can be read");
+        image.format = PNG_FORMAT_LINEAR_Y; // grey of 16 bits, which are taken as they are
+        picture.create(static_cast<int>(image.height), static_cast<int>(image.width), CV_16UC1);
+        isDecoded = png_image_finish_read(&image, nullptr, picture.data, 0, nullptr) != 0;
     }
+    png_image_free(&image);
+    if (!isDecoded)
+    {
+        throw InputError(path + ": is a damaged PNG file: " + image.message);
+    }
+    return picture;
 }
 
 } // namespace
 
 cv::Mat ReadGrey16Png(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary);
-    const Bytes bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    if (!file)
-    {
-        throw InputError(path + ": cannot be read");
-    }
-    if (!IsSoundPng(bytes))
+    const std::string file = ReadBytes(path);
+    const Bytes bytes(file.begin(), file.end());
+    const std::optional<Bytes> chunks = NeededChunks(bytes);
+    if (!chunks)
     {
         throw InputError(path + ": is not a PNG file, or is damaged");
     }
     RequireGrey16(bytes, path);
-    cv::Mat picture = cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
-    if (picture.type() != CV_16UC1)
-    {
-        throw InputError(path + ": cannot be decoded as a grey PNG of 16 bits");
-    }
-    return picture;
+    return Decode(*chunks, path);
 }
 
 void WritePng(const std::string& path, const cv::Mat& picture)
 {
     Bytes bytes;
     cv::imencode(".png", picture, bytes);
-    std::ofstream file(path, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    if (!file)
-    {
-        throw InputError(path + ": cannot be written");
-    }
+    WriteBytes(path, {bytes.begin(), bytes.end()});
 }
 
 } // namespace Examples

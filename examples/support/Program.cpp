@@ -6,57 +6,47 @@
 #include <exception>
 #include <iostream>
 #include <string>
-#include <vector>
+#include <unistd.h>
 
 namespace Examples
 {
 namespace
 {
 
-const char* const kUsage = "usage: [--map FILE.png FILE.json] [--output FILE.png]";
-
-Options ReadOptions(const std::vector<std::string>& arguments, const std::string& defaultOutput)
+Progress::Style StyleOf(const Options& options)
 {
-    Options options{std::nullopt, defaultOutput};
-    for (std::size_t next = 0; next < arguments.size();)
+    if (isatty(STDERR_FILENO) != 0)
     {
-        const std::string& name = arguments[next];
-        const std::size_t left = arguments.size() - next - 1;
-        if (name == "--map" && left >= 2)
-        {
-            options.map = {arguments[next + 1], arguments[next + 2]};
-            next += 3;
-        }
-        else if (name == "--output" && left >= 1)
-        {
-            options.output = arguments[next + 1];
-            next += 2;
-        }
-        else
-        {
-            throw InputError("cannot use argument '" + name + "'; " + kUsage);
-        }
+        return Progress::Style::InPlace;
     }
-    return options;
+    return options.wantsProgress ? Progress::Style::Lines : Progress::Style::Silent;
 }
 
 /** Messages of libraries may have several lines; the user gets one. */
 int Complain(const std::string& message, int exitCode)
 {
     std::string line = message;
-    std::replace(line.begin(), line.end(), '\n', ' ');
+    std::replace_if(
+        line.begin(), line.end(), [](char letter) { return letter == '\n' || letter == '\r'; }, ' ');
     std::cerr << "error: " << line << '\n';
     return exitCode;
 }
 
 } // namespace
 
-int RunProgram(int argumentCount, char** arguments, const std::string& defaultOutput,
-               bool (*measure)(const Options& options))
+int RunProgram(int argumentCount, char** arguments, const Description& description,
+               bool (*measure)(const Options& options, Progress& progress))
 {
     try
     {
-        return measure(ReadOptions({arguments + 1, arguments + argumentCount}, defaultOutput)) ? 0 : 1;
+        const Options options = ReadOptions({arguments + 1, arguments + argumentCount}, description);
+        if (options.wantsHelp)
+        {
+            std::cout << HelpText(description);
+            return 0;
+        }
+        Progress progress(StyleOf(options));
+        return measure(options, progress) ? 0 : 1;
     }
     catch (const InputError& error)
     {

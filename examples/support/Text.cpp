@@ -23,11 +23,26 @@ std::string MeasureText(double value)
     return NumberText(value, static_cast<int>(std::clamp(decimals, 4.0, 9.0)));
 }
 
+std::string StepText(double value)
+{
+    std::ostringstream text;
+    text << std::setprecision(4) << value;
+    return text.str();
+}
+
 std::string DeviationText(double value)
 {
     std::ostringstream text;
     text << std::showpos << std::fixed << std::setprecision(4) << value;
     return text.str();
+}
+
+std::string LowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char letter)
+                   { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; });
+    return text;
 }
 
 std::string FileName(const std::string& path)

@@ -178,6 +178,10 @@ void WritePictures(const std::filesystem::path& folder)
 
 void WriteMappings(const std::filesystem::path& folder)
 {
+    for (const char* name : {"text.png", "text.tif", "text.asc", "text.ply", "text.x3p"})
+    {
+        WriteText(folder / name, "It was a dark and stormy night.");
+    }
     WriteText(folder / "sound.json", kSoundJson);
     WriteText(folder / "far.json", R"({"scale": [0.1, 0.1, 0.001], "offset": [90000.0, -50000.0, 20.0]})");
     WriteText(folder / "malformed.json", R"({"scale": [0.1, 0.1,)");
