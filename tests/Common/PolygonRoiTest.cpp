@@ -68,6 +68,18 @@ TEST(PolygonRoi, ALoneVertexOnAColumnIsOneCell)
     EXPECT_EQ(Picture(betweenColumns).substr(0, 5), ".....");
 }
 
+TEST(PolygonRoi, ALoneVertexIsNoCellFromTheToleranceOn)
+{
+    const auto rowOfVertexAt = [](double x)
+    {
+        PolygonROI roi = Polygon({{x, 1.0}, {x + 2.0, 3.5}, {x - 2.0, 3.5}, {x, 1.0}});
+        return Picture(roi).substr(0, 3);
+    };
+    const double tolerance = std::ldexp(1.0, -23);
+    EXPECT_EQ(rowOfVertexAt(std::nextafter(tolerance, 0.0)), "#..");
+    EXPECT_EQ(rowOfVertexAt(tolerance), "...");
+}
+
 TEST(PolygonRoi, ALoneCrossingJustLeftOfTheBoxMarksItsFirstCell)
 {
     // The box is clipped to column 0; the vertex at -0.3 truncates to it.

@@ -72,4 +72,20 @@ TEST(BisectorCrossings, PointsWithoutACrossingGetNone)
     ExpectPlainCrossings(points, {3.0, 2.0}, {{0.0, 0.0}, {1e-7, 1.0}});
 }
 
+TEST(BisectorCrossings, TheToleranceItselfIsNotParallel)
+{
+    // (2^-23, 1 - 2^-47) has length 1 to the last bit: its bisector rises by exactly the tolerance against the x axis.
+    const double tolerance = std::ldexp(1.0, -23);
+    const std::vector<DistPoint> points(20, {{tolerance, 1.0 - std::ldexp(1.0, -47)}, 0.0});
+    const ZoneLine level = {{0.0, 0.0}, {1.0, 0.0}};
+    std::vector<double> x(points.size());
+    std::vector<double> y(points.size());
+    Zvl::CrossBisectors(points.data(), points.size(), {0.0, 0.0}, level, x.data(), y.data());
+    for (const double place : x)
+    {
+        EXPECT_NEAR(place * tolerance, 0.5, 1e-6);
+    }
+    ExpectPlainCrossings(points, {0.0, 0.0}, level);
+}
+
 } // namespace
