@@ -1,5 +1,5 @@
 # What a host needs: headers, the two shared libraries, a CMake package and pkg-config files. The static twins are
-# for the tests and stay behind. Three components: Runtime, Development and, where they are built, Examples.
+# for the tests and stay behind. The components: Runtime, Development and, where they are built, Examples and Python.
 
 include(CMakePackageConfigHelpers)
 
@@ -15,6 +15,16 @@ foreach(part "ZdkVisionPlatform:Platform" "ZdkVisionLib:" "ZdkVisionOpenCV:OpenC
     install(EXPORT ZdkVisionLib${CMAKE_MATCH_2}Targets NAMESPACE ZdkVisionLib:: DESTINATION ${package_dir})
 endforeach()
 install(DIRECTORY include/ZdkVisionLib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
+
+if(ZDK_BUILD_PYTHON)
+    # The extension finds the libraries of its own prefix, wherever that is moved.
+    set(python_dir ${ZDK_PYTHON_DIR}/zdkvision)
+    file(RELATIVE_PATH libraries ${CMAKE_INSTALL_PREFIX}/${python_dir} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(zdkvision_core PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+    install(TARGETS zdkvision_core LIBRARY DESTINATION ${python_dir} COMPONENT Python)
+    install(DIRECTORY python/zdkvision/ DESTINATION ${python_dir} COMPONENT Python
+        FILES_MATCHING PATTERN *.py PATTERN *.pyi PATTERN py.typed PATTERN __pycache__ EXCLUDE)
+endif()
 
 install(FILES cmake/FindOpenCV.cmake DESTINATION ${package_dir})
 configure_package_config_file(cmake/ZdkVisionLibConfig.cmake.in ${PROJECT_BINARY_DIR}/ZdkVisionLibConfig.cmake
