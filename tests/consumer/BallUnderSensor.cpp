@@ -17,8 +17,8 @@ int main()
         for (int column = 0; column < kSide; ++column)
         {
             const double height = std::sqrt(400.0 - std::pow(0.1 * column - 10.0, 2) - std::pow(0.1 * row - 10.0, 2));
-            *static_cast<short*>(qArray2_At(scan.layers[0], static_cast<std::size_t>(row),
-                                            static_cast<std::size_t>(column))) =
+            *static_cast<short*>(
+                qArray2_At(scan.layers[0], static_cast<std::size_t>(row), static_cast<std::size_t>(column))) =
                 static_cast<short>(std::lround(1000.0 * height));
         }
     }
