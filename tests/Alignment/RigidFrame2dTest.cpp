@@ -159,6 +159,26 @@ TEST(RigidFrame2d, RecoversKnownMovements)
     }
 }
 
+TEST(RigidFrame2d, PartsFarFromTheOriginKeepTheirAngle)
+{
+    // The centroids cannot be exact here: products of deviations from one of them alone would be off by its size.
+    std::mt19937_64 random(13);
+    for (int round = 0; round < 50; ++round)
+    {
+        Points near = RandomPoints(random, 7);
+        Points far = near;
+        for (std::size_t index = 0; index < far.size(); ++index)
+        {
+            near[index] = {near[index].x + 1e9, near[index].y - 2e9};
+            far[index] = {far[index].x - 3e9, far[index].y + 1e9};
+        }
+        RefFrame frame;
+        frame.SetFrame(far, near);
+        EXPECT_NEAR(frame.GetIx(), 1.0, 1e-7);
+        EXPECT_NEAR(frame.GetIy(), 0.0, 1e-7);
+    }
+}
+
 TEST(RigidFrame2d, MirroredSetsGiveTheBestProperRotation)
 {
     std::mt19937_64 random(12);

@@ -67,6 +67,19 @@ TEST(Voronoi, OneSiteHasTheBoxForItsCell)
     EXPECT_EQ(diagram.Vertices().size(), 4U);
 }
 
+TEST(Voronoi, ABoxMayBeALineOrAPoint)
+{
+    const Points site{{2.0, 3.0}};
+    for (const VoronoiRect& flat :
+         {VoronoiRect{{2.0, 0.0}, {2.0, 5.0}}, {{0.0, 3.0}, {5.0, 3.0}}, {{2.0, 3.0}, {2.0, 3.0}}})
+    {
+        VoronoiOwner owner;
+        GenerateVoronoi(1, site.data(), &flat, owner.Get());
+        ExpectBox(*owner.Get(), flat);
+        EXPECT_EQ(owner.Get()->numsites, 1);
+    }
+}
+
 TEST(Voronoi, TwoSitesShareOneEdgeBetweenTheBorders)
 {
     Diagram diagram({{4.0, 1.0}, {0.0, 1.0}});
