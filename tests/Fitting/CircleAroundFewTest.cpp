@@ -122,6 +122,37 @@ TEST(SpreadAroundFew, ManyPointsOnOneCircleMatterAllOrAreRefused)
     }
 }
 
+TEST(SpreadAroundFew, PointsThatAPeerOfTheirGroupHidesAreNotForgotten)
+{
+    // The guess sees only the farthest of the first 512 / lanes points of a lane, whatever the number of lanes up to 8 is. The
+    // others may lie far outside of it, so that a shortlist around the guess leaves out too much.
+    std::size_t proven = 0;
+    for (std::uint64_t seed = 1; seed <= 400; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        Points points = Disc(4096, seed);
+        std::mt19937_64 random(seed);
+        std::uniform_real_distribution<double> angle(0.0, 6.283185307179586);
+        std::uniform_real_distribution<double> radius(9.0, 10.0 + 0.1 * static_cast<double>(seed % 40));
+        for (std::size_t hidden = 0; hidden < 12; ++hidden)
+        {
+            const double direction = angle(random);
+            const double distance = radius(random);
+            points[8 * hidden] = {25.0 + distance * std::cos(direction), -40.0 + distance * std::sin(direction)};
+        }
+        const std::optional<ShrinkingCircle> few = Zvl::SpreadAroundFew(points, MeanOf(points));
+        if (few.has_value())
+        {
+            Spreading ending{};
+            const ShrinkingCircle all = SpreadAroundAll(points, ending);
+            ExpectPoints({few->center}, {all.center});
+            EXPECT_EQ(few->radius, all.radius);
+            ++proven;
+        }
+    }
+    EXPECT_GT(proven, 100U);
+}
+
 TEST(SpreadAroundFew, DegeneratePointsAreNothingToProve)
 {
     for (const Points& points : DegeneratePoints())

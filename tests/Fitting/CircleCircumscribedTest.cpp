@@ -199,6 +199,20 @@ void ExpectSame(const std::vector<DistPoint>& items, const std::vector<DistPoint
                            { return a.point.x == b.point.x && a.point.y == b.point.y && a.value == b.value; }));
 }
 
+/** Points anywhere, near a circle, or on one, where rounding alone says which of them are outside. */
+Points PointsForStep(int repetition, std::size_t count, std::mt19937_64& random)
+{
+    switch (repetition % 3)
+    {
+    case 0:
+        return Scattered(count, 10.0, random());
+    case 1:
+        return LobedRing(count, 0.01, random());
+    default:
+        return VoronoiSupport::Ring(count, {3.0, 4.0}, std::uniform_real_distribution<double>(4.0, 6.0)(random));
+    }
+}
+
 /** A circle with two of the points on it, and the others anywhere: some steps take up a point, some come to the end, and
  *  both must leave every distance as the plain loop does. */
 TEST(Shrink, LeavesWhatThePlainLoopLeaves)
@@ -209,7 +223,7 @@ TEST(Shrink, LeavesWhatThePlainLoopLeaves)
     for (int repetition = 0; repetition < 4000; ++repetition)
     {
         const std::size_t count = 4 + random() % 40;
-        Points points = repetition % 2 == 0 ? Scattered(count, 10.0, random()) : LobedRing(count, 0.01, random());
+        const Points points = PointsForStep(repetition, count, random);
         const std::size_t first = random() % count;
         const Points pivots = {points[first], points[(first + 1 + random() % (count - 1)) % count]};
         const qPoint64f middle = Zvl::Middle(pivots[0], pivots[1]);

@@ -1,7 +1,26 @@
 #include "platform/Fixtures.h"
 #include "support/FailingAllocator.h"
 
+#include <cstdint>
 #include <cstdlib>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+std::vector<std::pair<std::uintptr_t, std::size_t>> advisedRanges;
+
+} // namespace
+
+// The linker leads the platform's calls of madvise() here.
+int RealMadvise(void* memory, std::size_t size, int advice) asm("__real_madvise");
+int WrappedMadvise(void* memory, std::size_t size, int advice) asm("__wrap_madvise");
+int WrappedMadvise(void* memory, std::size_t size, int advice)
+{
+    advisedRanges.emplace_back(reinterpret_cast<std::uintptr_t>(memory), size);
+    return RealMadvise(memory, size, advice);
+}
 
 namespace
 {
@@ -87,6 +106,30 @@ TEST(Allocator, NullStandsForTheReplacedDefault)
     EXPECT_EQ(allocator.LiveBytes(), 0U);
     EXPECT_EQ(qObject_ShareCount(allocator.Get()), 1);
 }
+
+#if defined(__linux__)
+TEST(Allocator, LargeBlocksAskForTheLargePagesWithinThem)
+{
+    constexpr std::uintptr_t kLargePage = std::uintptr_t{2} << 20U;
+    for (const std::size_t size : {std::size_t{5} << 20U, std::size_t{23} << 19U})
+    {
+        advisedRanges.clear();
+        const Handle block = MakeArray1(xxq8u_type, size);
+        const auto cells = reinterpret_cast<std::uintptr_t>(qArray1_Data(block));
+        ASSERT_EQ(advisedRanges.size(), 1U);
+        const auto [start, length] = advisedRanges[0];
+        EXPECT_EQ(start % kLargePage, 0U);
+        EXPECT_EQ(length % kLargePage, 0U);
+        EXPECT_GE(length, kLargePage);
+        EXPECT_LT(cells, start + kLargePage); // the first page that is wholly within
+        EXPECT_LE(start, cells + kLargePage);
+        EXPECT_LE(start + length, cells + size + 4096); // the array's own words lie ahead of its cells
+    }
+    advisedRanges.clear();
+    const Handle small = MakeArray1(xxq8u_type, std::size_t{1} << 20U);
+    EXPECT_TRUE(advisedRanges.empty());
+}
+#endif
 
 TEST(Allocator, HugeSizesNeverReachTheCallbacks)
 {
