@@ -4,6 +4,7 @@
 #include "Common/Check.h"
 #include "Common/LayerWindow.h"
 #include "Common/MaskKernels.h"
+#include "Common/RowShare.h"
 
 namespace Zvl
 {
@@ -26,12 +27,17 @@ qStatus FillIntensityRows(void* context, void* /*sender*/, const qParallelArgs* 
 {
     const auto& receiver = *static_cast<const IntensityScanReceiver*>(context);
     const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
+    const RowShare share(args, mask.rows);
+    if (share.IsEmpty())
+    {
+        return STATUS_OK;
+    }
     const Cells<const std::int16_t> heights = CellsOf<const std::int16_t>(receiver.heights);
     const Cells<const std::uint8_t> intensities = CellsOf<const std::uint8_t>(receiver.intensities);
     const LayerWindow window(receiver.cellOffset, mask.rows, mask.columns, std::min(heights.rows, intensities.rows),
                              std::min(heights.columns, intensities.columns));
-    const std::size_t end = window.EndRow(qParallelArgs_End(args, 0, mask.rows));
-    for (std::size_t row = window.BeginRow(qParallelArgs_Begin(args, 0, mask.rows)); row < end; ++row)
+    const std::size_t end = window.EndRow(share.end);
+    for (std::size_t row = window.BeginRow(share.begin); row < end; ++row)
     {
         const std::size_t layerRow = window.LayerRow(row);
         MarkIntensities(heights.Row(layerRow) + window.LayerColumn(), intensities.Row(layerRow) + window.LayerColumn(),

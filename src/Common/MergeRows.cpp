@@ -4,6 +4,7 @@
 #include "Common/LayerWindow.h"
 #include "Common/MaskKernels.h"
 #include "Common/Rounding.h"
+#include "Common/RowShare.h"
 
 namespace Zvl
 {
@@ -30,13 +31,18 @@ MergeReceiver::MergeReceiver(const Zo::Object<void*>& source, const Rect2d<int>&
 qStatus MergeMaskRows(void* context, void* /*sender*/, const qParallelArgs* args)
 {
     const auto& receiver = *static_cast<const MergeReceiver*>(context);
-    const Cells<std::uint8_t> target = CellsOf<std::uint8_t>(args->target);
     const Cells<const std::uint8_t> source = CellsOf<const std::uint8_t>(receiver.source);
     const std::size_t rows = std::min<std::uint64_t>(source.rows, receiver.height);
+    const RowShare share(args, rows);
+    if (share.IsEmpty())
+    {
+        return STATUS_OK;
+    }
+    const Cells<std::uint8_t> target = CellsOf<std::uint8_t>(args->target);
     const LayerWindow window({receiver.column, receiver.row}, rows, std::min(source.columns, receiver.width),
                              target.rows, target.columns);
-    const std::size_t end = window.EndRow(qParallelArgs_End(args, 0, rows));
-    for (std::size_t row = window.BeginRow(qParallelArgs_Begin(args, 0, rows)); row < end; ++row)
+    const std::size_t end = window.EndRow(share.end);
+    for (std::size_t row = window.BeginRow(share.begin); row < end; ++row)
     {
         MergeCells(source.Row(row) + window.columns.first, target.Row(window.LayerRow(row)) + window.LayerColumn(),
                    window.ColumnCount());

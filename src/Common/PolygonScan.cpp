@@ -2,6 +2,7 @@
 
 #include "Common/ActiveEdges.h"
 #include "Common/Rounding.h"
+#include "Common/RowShare.h"
 
 #include <cmath>
 
@@ -199,14 +200,13 @@ qStatus FillPolygonRows(void* context, void* /*sender*/, const qParallelArgs* ar
     const auto& receiver = *static_cast<const PolygonScanReceiver*>(context);
     const Rect2d<int>& box = *receiver.boundingBox;
     const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
-    const std::size_t begin = qParallelArgs_Begin(args, 0, mask.rows);
-    const std::size_t end = qParallelArgs_End(args, 0, mask.rows);
-    if (begin >= end)
+    const RowShare share(args, mask.rows);
+    if (share.IsEmpty())
     {
         return STATUS_OK;
     }
-    const double firstY = (box.y + static_cast<double>(begin)) * receiver.scale->y + receiver.offset->y;
-    const std::vector<double> positions = AccumulatedPositions(firstY, receiver.scale->y, end - begin);
+    const double firstY = (box.y + static_cast<double>(share.begin)) * receiver.scale->y + receiver.offset->y;
+    const std::vector<double> positions = AccumulatedPositions(firstY, receiver.scale->y, share.end - share.begin);
     // Far enough to the left that every crossing lies to the right of the ray's origin.
     const double rayOrigin = receiver.boundingRegion->x - 10.0;
 
@@ -217,7 +217,7 @@ qStatus FillPolygonRows(void* context, void* /*sender*/, const qParallelArgs* ar
     std::vector<double> intersectXs;
     for (std::size_t i = 0; i < positions.size(); ++i)
     {
-        MaskRow row(mask.Row(begin + i), box.width);
+        MaskRow row(mask.Row(share.begin + i), box.width);
         edges.CollectCrossings(i, positions[i], rayOrigin, intersectXs);
         if (intersectXs.size() == 1)
         {

@@ -1,6 +1,7 @@
 #include "Common/SectorScan.h"
 
 #include "Common/Rounding.h"
+#include "Common/RowShare.h"
 #include "Common/SectorOutline.h"
 #include "Geometry/SectorTest.h"
 
@@ -186,9 +187,8 @@ void FillRows(const SectorScanReceiver& receiver, const Sector& sector, const qP
 {
     const Rect2d<int>& box = *receiver.boundingBox;
     const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
-    const std::size_t begin = qParallelArgs_Begin(args, 0, mask.rows);
-    const std::size_t end = qParallelArgs_End(args, 0, mask.rows);
-    if (begin >= end)
+    const RowShare share(args, mask.rows);
+    if (share.IsEmpty())
     {
         return;
     }
@@ -196,8 +196,8 @@ void FillRows(const SectorScanReceiver& receiver, const Sector& sector, const qP
     const SectorOutline outline(sector);
     const Columns columns(receiver, sector.center.x);
     SectorRows<Test> rows(test, outline, columns, sector.center.y);
-    double y = (box.y + static_cast<double>(begin)) * receiver.scale->y + receiver.offset->y;
-    for (std::size_t index = begin; index < end; ++index)
+    double y = (box.y + static_cast<double>(share.begin)) * receiver.scale->y + receiver.offset->y;
+    for (std::size_t index = share.begin; index < share.end; ++index)
     {
         MaskRow row(mask.Row(index), box.width);
         rows.Fill(y, row);

@@ -6,6 +6,7 @@
 #include "Common/MaskKernels.h"
 #include "Common/PolygonTests.h"
 #include "Common/Rounding.h"
+#include "Common/RowShare.h"
 
 #include <cmath>
 
@@ -27,10 +28,15 @@ qStatus FillSurfaceRows(void* context, void* /*sender*/, const qParallelArgs* ar
 {
     const auto& receiver = *static_cast<const SurfaceScanReceiver*>(context);
     const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
+    const RowShare share(args, mask.rows);
+    if (share.IsEmpty())
+    {
+        return STATUS_OK;
+    }
     const Cells<const std::int16_t> heights = CellsOf<const std::int16_t>(receiver.heights);
     const LayerWindow window(receiver.cellOffset, mask.rows, mask.columns, heights.rows, heights.columns);
-    const std::size_t end = window.EndRow(qParallelArgs_End(args, 0, mask.rows));
-    for (std::size_t row = window.BeginRow(qParallelArgs_Begin(args, 0, mask.rows)); row < end; ++row)
+    const std::size_t end = window.EndRow(share.end);
+    for (std::size_t row = window.BeginRow(share.begin); row < end; ++row)
     {
         MarkHeights(heights.Row(window.LayerRow(row)) + window.LayerColumn(), mask.Row(row) + window.columns.first,
                     window.ColumnCount());

@@ -3,6 +3,7 @@
 
 #include "Common/Cells.h"
 #include "Common/Check.h"
+#include "Common/RowShare.h"
 #include "Common/SelectedCells.h"
 #include "Filter/CellItems.h"
 
@@ -46,9 +47,9 @@ qStatus CountCallback(void* context, void* /*sender*/, const qParallelArgs* args
     {
         return STATUS_ABORTED;
     }
-    const std::size_t begin = qParallelArgs_Begin(args, 0, receiver.mask.rows);
-    const std::size_t end = qParallelArgs_End(args, 0, receiver.mask.rows);
-    receiver.counts[args->worker] = CountSelected(receiver.mask.Row(begin), (end - begin) * receiver.mask.columns);
+    const RowShare share(args, receiver.mask.rows);
+    receiver.counts[args->worker] =
+        CountSelected(receiver.mask.Row(share.begin), (share.end - share.begin) * receiver.mask.columns);
     return STATUS_OK;
 }
 
@@ -60,11 +61,14 @@ qStatus ParallelCallback_GetPointsFromROI(void* context, void* /*sender*/, const
     {
         return STATUS_ABORTED;
     }
-    const std::size_t begin = qParallelArgs_Begin(args, 0, receiver.mask.rows);
-    const std::size_t end = qParallelArgs_End(args, 0, receiver.mask.rows);
+    const RowShare share(args, receiver.mask.rows);
+    if (share.IsEmpty())
+    {
+        return STATUS_OK;
+    }
     CellItems<T> items(*receiver.surface, receiver.rect);
     T* next = receiver.items + receiver.counts[args->worker];
-    for (std::size_t row = begin; row < end; ++row)
+    for (std::size_t row = share.begin; row < share.end; ++row)
     {
         const auto* cells = receiver.source.Row(static_cast<std::size_t>(receiver.rect.y) + row) + receiver.rect.x;
         items.StartRow(row);

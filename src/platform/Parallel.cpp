@@ -16,7 +16,8 @@ using namespace ZdkPlatform;
 
 constexpr std::size_t kMostWorkers = 1024;
 
-// Waking the workers costs some microseconds; one thread writes this many bytes in less.
+// Waking the workers costs some microseconds; one thread writes this many bytes in less. Even without that, what a share
+// begins with costs more than is gained.
 constexpr std::size_t kSmallTargetBytes = std::size_t{64} * 1024;
 
 struct ThreadPool
@@ -62,8 +63,8 @@ bool IsSmall(qObject target, const TypeRecord* type)
 class Job
 {
 public:
-    Job(qParallelFx jobCallback, void* jobContext, qObject jobTarget, std::size_t jobWorkers)
-        : callback(jobCallback), context(jobContext), target(jobTarget), workers(jobWorkers)
+    Job(qParallelFx jobCallback, void* jobContext, qObject jobTarget, std::size_t jobWorkers, std::size_t jobShares)
+        : callback(jobCallback), context(jobContext), target(jobTarget), workers(jobWorkers), shares(jobShares)
     {
     }
 
@@ -110,7 +111,7 @@ private:
     {
         try
         {
-            const qParallelArgs args{target, worker, workers};
+            const qParallelArgs args{target, worker, workers, shares};
             const qStatus workerStatus = callback(context, nullptr, &args);
             if (workerStatus != STATUS_OK)
             {
@@ -138,6 +139,7 @@ private:
     void* context;
     qObject target;
     std::size_t workers;
+    std::size_t shares;
     std::atomic<bool> published{false};
     std::atomic<std::size_t> ended{0};
 
@@ -147,12 +149,16 @@ private:
     std::exception_ptr exception;
 };
 
-/** First index of a worker's share: the first `size % workers` shares are larger by one. */
-std::size_t ShareBegin(const qParallelArgs* args, std::size_t from, std::size_t total, std::size_t worker)
+/** First index of the share of that number, or the end of them all: the first `size % shares` shares are larger by one. */
+std::size_t ShareBegin(const qParallelArgs* args, std::size_t from, std::size_t total, std::size_t share)
 {
     const std::size_t size = total > from ? total - from : 0;
-    const std::size_t larger = size % args->workerCount;
-    return from + size / args->workerCount * worker + std::min(worker, larger);
+    const std::size_t shares = args->shareCount == 0 ? args->workerCount : args->shareCount;
+    if (share >= shares)
+    {
+        return from + size;
+    }
+    return from + size / shares * share + std::min(share, size % shares);
 }
 
 void CheckArgs(const qParallelArgs* args)
@@ -178,8 +184,9 @@ qStatus qParallel_Execute(qParallelFx callback, void* context, qObject target)
         type = HeaderOf(target).type;
     }
     const std::size_t workers = qThreadPool_Count(&defaultPool);
-    Job job(callback, context, target, workers);
-    if (workers == 1 || HardwareThreads() == 1 || IsSmall(target, type))
+    const bool isSmall = IsSmall(target, type);
+    Job job(callback, context, target, workers, isSmall ? 1 : workers);
+    if (workers == 1 || HardwareThreads() == 1 || isSmall)
     {
         job.RunHere();
         return job.Result();

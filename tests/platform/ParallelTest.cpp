@@ -74,7 +74,7 @@ TEST(Parallel, EachWorkerRunsExactlyOnce)
     }
 }
 
-TEST(Parallel, SmallTargetsStayOnTheCallingThread)
+TEST(Parallel, SmallTargetsStayOnTheCallingThreadInOneShare)
 {
     const Workers workers(8);
     const Handle target = MakeArray2(xxq8u_type, 10, 10);
@@ -83,17 +83,46 @@ TEST(Parallel, SmallTargetsStayOnTheCallingThread)
         std::thread::id caller = std::this_thread::get_id();
         std::size_t next = 0;
         bool inOrder = true;
+        std::vector<std::size_t> begins;
+        std::vector<std::size_t> ends;
     } seen;
     const auto callback = [](void* context, void*, const qParallelArgs* args) -> qStatus
     {
         auto& self = *static_cast<Seen*>(context);
         self.inOrder = self.inOrder && std::this_thread::get_id() == self.caller && args->worker == self.next;
         ++self.next;
+        self.begins.push_back(qParallelArgs_Begin(args, 3, 10));
+        self.ends.push_back(qParallelArgs_End(args, 3, 10));
         return STATUS_OK;
     };
     EXPECT_EQ(qParallel_Execute(callback, &seen, target), STATUS_OK);
     EXPECT_TRUE(seen.inOrder);
     EXPECT_EQ(seen.next, 8U);
+    const std::vector<std::size_t> begins = {3, 10, 10, 10, 10, 10, 10, 10};
+    EXPECT_EQ(seen.begins, begins);
+    EXPECT_EQ(seen.ends, std::vector<std::size_t>(8, 10)) << "the first worker has all of it";
+}
+
+TEST(Parallel, TargetsOf64KiBAreShared)
+{
+    const Workers workers(3);
+    const auto endOfFirstShare = [](std::size_t bytes)
+    {
+        const Handle target = MakeArray1(xxq8u_type, bytes);
+        std::size_t end = 0;
+        const auto callback = [](void* context, void*, const qParallelArgs* args) -> qStatus
+        {
+            if (args->worker == 0)
+            {
+                *static_cast<std::size_t*>(context) = qParallelArgs_End(args, 0, 9);
+            }
+            return STATUS_OK;
+        };
+        EXPECT_EQ(qParallel_Execute(callback, &end, target), STATUS_OK);
+        return end;
+    };
+    EXPECT_EQ(endOfFirstShare(65535), 9U);
+    EXPECT_EQ(endOfFirstShare(65536), 3U);
 }
 
 TEST(Parallel, ManyHostThreadsMayCallAtOnce)
@@ -289,6 +318,21 @@ TEST(ParallelArgs, SharesByHand)
     EXPECT_EQ(qParallelArgs_End(&middle, 100, 110), 107U);
     EXPECT_EQ(qParallelArgs_Begin(&middle, 5, 2), 5U) << "a range that ends before it starts is empty";
     EXPECT_EQ(qParallelArgs_End(&middle, 5, 2), 5U);
+}
+
+TEST(ParallelArgs, WorkersBeyondTheSharesFindTheirsEmpty)
+{
+    const auto share = [](std::size_t worker, std::size_t from, std::size_t total)
+    {
+        const qParallelArgs args{nullptr, worker, 5, 2};
+        return std::pair(qParallelArgs_Begin(&args, from, total), qParallelArgs_End(&args, from, total));
+    };
+    EXPECT_EQ(share(0, 10, 17), std::pair(std::size_t{10}, std::size_t{14}));
+    EXPECT_EQ(share(1, 10, 17), std::pair(std::size_t{14}, std::size_t{17}));
+    EXPECT_EQ(share(2, 10, 17), std::pair(std::size_t{17}, std::size_t{17}));
+    EXPECT_EQ(share(4, 10, 17), std::pair(std::size_t{17}, std::size_t{17}));
+    EXPECT_EQ(share(4, 5, 2), std::pair(std::size_t{5}, std::size_t{5}));
+    EXPECT_EQ(share(3, 0, kHuge), std::pair(kHuge, kHuge));
 }
 
 TEST(ParallelArgs, NonsenseIsStopped)

@@ -43,12 +43,13 @@ inline void ExpectBox(Zvl::ROI& roi, int x, int y, int width, int height)
 }
 
 /** World y of each row of a box, as the workers find it: each worker starts from the index of its first row and then
- *  adds up. */
+ *  adds up. Of masks below 64 KiB, the first worker has all rows. */
 inline std::vector<double> RowPositions(const Zvl::Rect2d<int>& box, double scale, double offset)
 {
     const auto rows = static_cast<std::size_t>(box.height);
     std::vector<double> positions(rows);
-    const std::size_t workers = qThreadPool_Count(qThreadPool_Default());
+    const bool isSmall = rows * static_cast<std::size_t>(box.width) < std::size_t{64} * 1024;
+    const std::size_t workers = isSmall ? 1 : qThreadPool_Count(qThreadPool_Default());
     for (std::size_t worker = 0; worker < workers; ++worker)
     {
         const qParallelArgs args = {nullptr, worker, workers};

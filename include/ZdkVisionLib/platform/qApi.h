@@ -404,9 +404,10 @@ inline qStatus qSerializer_Read64f(qSerializer serializer, double* value)
 /** What a callback learns of its worker. */
 struct qParallelArgs
 {
-    qObject target;          ///< the job's target, as given to qParallel_Execute()
-    std::size_t worker;      ///< index of the running worker
-    std::size_t workerCount; ///< workers of the job
+    qObject target;             ///< the job's target, as given to qParallel_Execute()
+    std::size_t worker;         ///< index of the running worker
+    std::size_t workerCount;    ///< workers of the job
+    std::size_t shareCount = 0; ///< how many of them, from the first on, have a share; 0 says all
 };
 
 /** A job's work for one worker. @p sender is null. */
@@ -414,8 +415,9 @@ using qParallelFx = qStatus (*)(void* context, void* sender, const qParallelArgs
 
 /** Runs @p callback once for each worker index from 0 below the count of the default pool, on as many threads
  *  as the machine offers, and returns when all have ended. It may be called from many threads at once and from
- *  inside a callback. A job whose target is an array of few bytes runs on the calling thread alone: waking
- *  workers would cost more than the job. Workers may run one after the other, so that none may wait for another.
+ *  inside a callback. A job whose target is an array of less than 64 KiB runs on the calling thread alone, and the first
+ *  worker has all of it: waking workers, or beginning anew for each, would cost more than it gains. The others run, too,
+ *  with an empty share. Workers may run one after the other, so that none may wait for another.
  *  @param target a platform object, as a rule the output array of the job; it may be null
  *  @return #STATUS_OK, or the failing status of the lowest worker index that has one; #STATUS_OUT_OF_MEMORY when
  *          the pool has no memory for its tasks, of which some have then not run
@@ -423,9 +425,9 @@ using qParallelFx = qStatus (*)(void* context, void* sender, const qParallelArgs
  *          leaves the call */
 ZDK_PLATFORM_EXPORT qStatus qParallel_Execute(qParallelFx callback, void* context, qObject target);
 
-/** First index of the worker's share of [@p from, @p total). The shares of all workers are disjoint,
- *  contiguous and in worker order, cover the range, and differ in size by at most one: a fixed function of the
- *  range and the worker count. */
+/** First index of the worker's share of [@p from, @p total). The shares of all workers are disjoint, contiguous and in
+ *  worker order, and cover the range. Those that have a share differ in size by at most one: a fixed function of the
+ *  range and the number of shares. */
 ZDK_PLATFORM_EXPORT std::size_t qParallelArgs_Begin(const qParallelArgs* args, std::size_t from, std::size_t total);
 
 /** End (exclusive) of the worker's share of [@p from, @p total). */
