@@ -1,6 +1,7 @@
 #include "survey/Measure.h"
 
 #include "support/BenchMap.h"
+#include "survey/Callers.h"
 #include "survey/HeapPeak.h"
 
 #include <algorithm>
@@ -221,6 +222,7 @@ Result Measure(const Operation& operation, int samples, bool onlyOurs)
             result.tinyGain = WorkersGain(operation.at(kTinySide), samples);
         }
     }
+    result.callersGain = CallersGain(operation, kTinySide, samples);
     MeasureGrowth(operation, samples, result);
     return result;
 }

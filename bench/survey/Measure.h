@@ -30,6 +30,7 @@ struct Result
     double copyGrowth = 0.0;  ///< the same of the `memcpy`
     double workersGain = 0.0; ///< time with one worker over that with two
     double tinyGain = 0.0;    ///< the same at #kTinySide
+    double callersGain = 0.0; ///< what two host threads get done at #kTinySide over what one does
     double scratchBytes = 0.0;
 };
 

@@ -68,11 +68,11 @@ std::string Rows(const Result& result)
 {
     std::string rows = "| " + result.name + " | " + TimeText(result.seconds) + " | " + PeerCells(result, 0) + " | " +
                        (result.copyShare > 0.0 ? Text("%.0f %%", 100.0 * result.copyShare) : "") + " | " +
-                       GrowthText(result) + " | " + WorkersText(result) + " | " + SizeText(result.scratchBytes) +
-                       " |\n";
+                       GrowthText(result) + " | " + WorkersText(result) + " | " + Digits(result.callersGain) + " | " +
+                       SizeText(result.scratchBytes) + " |\n";
     for (std::size_t peer = 1; peer < result.peers.size(); ++peer)
     {
-        rows += "| | | " + PeerCells(result, peer) + " | | | | |\n";
+        rows += "| | | " + PeerCells(result, peer) + " | | | | | |\n";
     }
     return rows;
 }
@@ -166,8 +166,9 @@ std::vector<std::pair<std::string, double>> ReadTimes(const std::string& path)
 
 std::string Markdown(const std::vector<Result>& results)
 {
-    std::string text = "| Operation | Ours | Peer | Its time | Ratio | Of `memcpy` | Growth | Two workers | Scratch |\n"
-                       "|---|--:|---|--:|--:|--:|--:|--:|--:|\n";
+    std::string text =
+        "| Operation | Ours | Peer | Its time | Ratio | Of `memcpy` | Growth | Two workers | Two callers | Scratch |\n"
+        "|---|--:|---|--:|--:|--:|--:|--:|--:|--:|\n";
     for (const Result& result : results)
     {
         text += Rows(result);
@@ -208,6 +209,7 @@ void WriteJson(const std::string& path, const std::vector<Result>& results)
                         {"copyGrowth", result.copyGrowth},
                         {"workersGain", result.workersGain},
                         {"tinyGain", result.tinyGain},
+                        {"callersGain", result.callersGain},
                         {"scratchBytes", result.scratchBytes}});
     }
     WriteFile(path, rows.dump(1) + "\n");
