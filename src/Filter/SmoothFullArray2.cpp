@@ -16,14 +16,17 @@ namespace
 constexpr const char* kFunction = "Zvl::SmoothFullArray2";
 
 /** An array of @p count sums, which @p owner holds. */
-HeightSums NewSums(Zo::Object<void*>& owner, std::size_t count, void* alloc)
+template <typename Integer>
+HeightSums<Integer> NewSums(Zo::Object<void*>& owner, std::size_t count, void* alloc)
 {
-    ZVL_CHECK(kFunction, qArray2_Construct(owner.Slot(), xxq64s_type, 2, count, alloc));
-    return {static_cast<std::int64_t*>(qArray2_At(owner, 0, 0)), static_cast<std::int64_t*>(qArray2_At(owner, 1, 0))};
+    const qType type = sizeof(Integer) == sizeof(std::int32_t) ? xxq32s_type : xxq64s_type;
+    ZVL_CHECK(kFunction, qArray2_Construct(owner.Slot(), type, 2, count, alloc));
+    return {static_cast<Integer*>(qArray2_At(owner, 0, 0)), static_cast<Integer*>(qArray2_At(owner, 1, 0))};
 }
 
 /** Slides the box down the map. The sums of its columns go along; their prefix sums over a padded row give any box of
  *  that row by a difference. Neither needs the padded map or a table of its size. */
+template <typename Integer>
 class SlidingBox
 {
 public:
@@ -31,8 +34,8 @@ public:
         : heights(map),
           halfX(halfWidth),
           halfY(halfHeight),
-          columns(NewSums(columnOwner, map.columns, alloc)),
-          prefix(NewSums(prefixOwner, map.columns + 2 * halfX, alloc))
+          columns(NewSums<Integer>(columnOwner, map.columns, alloc)),
+          prefix(NewSums<Integer>(prefixOwner, map.columns + 2 * halfX, alloc))
     {
         ZVL_CHECK(kFunction, qArray2_Zero(columnOwner));
         ZVL_CHECK(kFunction, qArray1_Construct(nullOwner.Slot(), xxq16s_type, map.columns, alloc));
@@ -40,7 +43,7 @@ public:
         std::fill_n(nulls, map.columns, GetNull<short>());
         for (std::size_t padded = 1; padded < 2 * halfY; ++padded)
         {
-            MoveColumnSums(PaddedRow(padded), nulls, columns, map.columns);
+            Move(PaddedRow(padded), nulls);
         }
     }
 
@@ -48,8 +51,9 @@ public:
     void Average(std::size_t row, std::int16_t* out)
     {
         // Of the padded rows the box has those after `row` up to `row + 2 * halfY`.
-        MoveColumnSums(PaddedRow(row + 2 * halfY), row == 0 ? nulls : PaddedRow(row), columns, heights.columns);
-        SumPrefixes();
+        Move(PaddedRow(row + 2 * halfY), row == 0 ? nulls : PaddedRow(row));
+        ExtendBeyondTheMap(columns.heights, prefix.heights);
+        ExtendBeyondTheMap(columns.cells, prefix.cells);
         DivideRow(prefix, 2 * halfX, heights.Row(row), out, heights.columns);
     }
 
@@ -59,17 +63,24 @@ private:
         return heights.Row(MirroredIndex(position, halfY, heights.rows));
     }
 
-    void SumPrefixes()
+    void Move(const std::int16_t* entering, const std::int16_t* leaving)
     {
-        std::int64_t sum = 0;
-        std::int64_t cells = 0;
-        for (std::size_t padded = 0; padded < heights.columns + 2 * halfX; ++padded)
+        MoveColumnSums(entering, leaving, heights.columns, columns, {prefix.heights + halfX, prefix.cells + halfX});
+    }
+
+    /** From the sums up to each column of the map to those of the padded row: on either side the columns follow mirrored. */
+    void ExtendBeyondTheMap(const Integer* ofColumns, Integer* upTo) const
+    {
+        Integer* first = upTo + halfX;
+        Integer* last = first + heights.columns - 1;
+        first[-1] = 0;
+        for (std::size_t column = 0; column + 1 < halfX; ++column)
         {
-            const std::size_t column = MirroredIndex(padded, halfX, heights.columns);
-            sum += columns.heights[column];
-            cells += columns.cells[column];
-            prefix.heights[padded] = sum;
-            prefix.cells[padded] = cells;
+            upTo[halfX - 2 - column] = Difference(upTo[halfX - 1 - column], ofColumns[column]);
+        }
+        for (std::size_t column = 0; column < halfX; ++column)
+        {
+            last[column + 1] = Sum(last[column], ofColumns[heights.columns - 1 - column]);
         }
     }
 
@@ -79,10 +90,21 @@ private:
     Cells<const std::int16_t> heights;
     std::size_t halfX;
     std::size_t halfY;
-    HeightSums columns; ///< of the box's rows, for each column of the map
-    HeightSums prefix;  ///< of these, over the padded row
+    HeightSums<Integer> columns; ///< of the box's rows, for each column of the map
+    HeightSums<Integer> prefix;  ///< of these, over the padded row
     std::int16_t* nulls = nullptr;
 };
+
+template <typename Integer>
+void SmoothRows(const Cells<const std::int16_t>& heights, std::size_t halfX, std::size_t halfY, void* alloc,
+                const Cells<std::int16_t>& out)
+{
+    SlidingBox<Integer> box(heights, halfX, halfY, alloc);
+    for (std::size_t row = 0; row < out.rows; ++row)
+    {
+        box.Average(row, out.Row(row));
+    }
+}
 
 } // namespace
 
@@ -95,14 +117,13 @@ Zo::Object<void*> SmoothFullArray2(const Zo::Object<void*>& array, int width, in
                                static_cast<std::size_t>(height) < heights.rows);
     CheckPads(heights.rows, heights.columns, width / 2, height / 2);
 
-    SlidingBox box(heights, static_cast<std::size_t>(width / 2), static_cast<std::size_t>(height / 2), alloc);
+    const auto halfX = static_cast<std::size_t>(width / 2);
+    const auto halfY = static_cast<std::size_t>(height / 2);
     Zo::Object<void*> mean;
     ZVL_CHECK(kFunction, qArray2_Construct(mean.Slot(), xxq16s_type, heights.rows, heights.columns, alloc));
-    const Cells<std::int16_t> out = CellsOf<std::int16_t>(mean);
-    for (std::size_t row = 0; row < out.rows; ++row)
-    {
-        box.Average(row, out.Row(row));
-    }
+    const bool isSmallBox = 2 * halfX * 2 * halfY <= kMostCellsOf32Bits;
+    const auto smoothRows = isSmallBox ? SmoothRows<std::int32_t> : SmoothRows<std::int64_t>;
+    smoothRows(heights, halfX, halfY, alloc, CellsOf<std::int16_t>(mean));
     return mean;
 }
 
