@@ -3,6 +3,7 @@
 #include "Fitting/OuterPoints.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace Zvl
@@ -11,7 +12,8 @@ namespace Zvl
 namespace
 {
 
-constexpr int kMostAttempts = 3;
+constexpr int kMostAttempts = 4;
+constexpr std::size_t kMostCircles = 20; // on one way; a pass over the points looks at each
 
 /** Lengths that the proof compares. */
 struct Lengths
@@ -28,17 +30,13 @@ Lengths LengthsOf(const ShrinkingCircle& first)
     return {size, 1e-6 * size + 32.0 * kZoneEpsilon};
 }
 
-/** The points that a shortlist leaves out lie all within a circle. */
-struct LeftOut
+/** True when one of the discs lies within the circle by the margin. */
+bool HasOneWithin(std::span<const Disc> discs, const ShrinkingCircle& circle, double margin)
 {
-    qPoint64f center;
-    double radius;
-
-    bool LiesWithin(const qPoint64f& aroundCenter, double aroundRadius, double margin) const
-    {
-        return Distance(center, aroundCenter) + radius <= aroundRadius - margin;
-    }
-};
+    return std::any_of(discs.begin(), discs.end(),
+                       [&](const Disc& disc)
+                       { return Distance(disc.center, circle.center) + disc.radius <= circle.radius - margin; });
+}
 
 /** Why a step takes up the same point when others are left out.
  *
@@ -101,85 +99,103 @@ private:
     const Lengths& lengths;
 };
 
-/** The circle around the farthest points of groups, as a guess, and how far from its centre those points lie at least
- *  that the steps can depend on. */
-struct Guess
+/** How the steps around some of the points have ended. */
+struct Spread
 {
-    qPoint64f center;
-    double outside;
+    ShrinkingCircle circle;
+    std::vector<Disc> way; ///< the circles from the first to the last
+    bool isProven;         ///< that the points that were left out had no part in any of them
 };
 
-std::optional<Guess> GuessAround(ShrinkingCircle circle)
+/** Takes the steps with some of the points.
+ *  @param around all others lie in each of these discs; with none, nothing is proven
+ *  @return nothing when there is no way to go on */
+std::optional<Spread> SpreadSome(std::vector<DistPoint> some, const qPoint64f& mean, std::span<const Disc> around)
 {
-    struct Visited
+    Spread spread = {CircleAround(mean, std::move(some)), {}, true};
+    ShrinkingCircle& circle = spread.circle;
+    // When the first circle holds a disc, it is the one around all points, and these lengths hold for them, too.
+    const Lengths lengths = LengthsOf(circle);
+    const auto arriveAt = [&](const ShrinkingCircle& reached)
     {
-        qPoint64f center;
-        double radius;
+        spread.way.push_back({reached.center, reached.radius});
+        spread.isProven = spread.isProven && HasOneWithin(around, reached, lengths.margin);
     };
-    std::vector<Visited> visited = {{circle.center, circle.radius}};
-    const auto visit = [&visited](const ShrinkingWay& /*way*/, const ShrinkingCircle& reached)
+    const auto inspect = [&](const ShrinkingWay& way, const ShrinkingCircle& reached)
     {
-        visited.push_back({reached.center, reached.radius});
-        return true;
+        arriveAt(reached);
+        spread.isProven = spread.isProven && StepProof(way, reached, lengths).Holds();
+        return spread.way.size() < kMostCircles;
     };
-    if (ShrinkUntilSpread(circle, visit) == Spreading::Stuck)
-    {
-        return std::nullopt;
-    }
-    Guess guess = {circle.center, circle.radius};
-    for (const Visited& step : visited)
-    {
-        guess.outside = std::min(guess.outside, step.radius - Distance(step.center, circle.center));
-    }
-    return guess;
+    arriveAt(circle);
+    const Spreading ending = ShrinkUntilSpread(circle, inspect);
+    const bool isDone = ending == Spreading::Done || ending == Spreading::DoneOnDiameter;
+    return isDone ? std::optional(std::move(spread)) : std::nullopt;
 }
 
-/** Takes the steps without the points that are left out.
- *  @return nothing when a circle comes too near to those, or proves nothing about them */
-std::optional<ShrinkingCircle> SpreadWithout(const LeftOut& leftOut, std::span<const qPoint64f> points,
-                                             const qPoint64f& mean, const Lengths& lengths)
+/** The circles of a way, smaller by an allowance. */
+std::vector<Disc> DiscsWithin(std::vector<Disc> way, double allowance)
 {
-    auto few = PointsBeyond(points, leftOut.center, leftOut.radius, 512 + points.size() / 16);
-    if (!few.has_value())
+    for (Disc& disc : way)
     {
-        return std::nullopt;
+        disc.radius -= allowance;
     }
-    ShrinkingCircle circle = CircleAround(mean, std::move(*few));
-    if (!leftOut.LiesWithin(circle.center, circle.radius, lengths.margin))
+    return way;
+}
+
+/** How deep inside of the last circle the outermost eighth of the points lies. */
+double DepthOfEighth(const Spread& spread)
+{
+    std::vector<double> depths;
+    depths.reserve(spread.circle.pDistances.size());
+    for (const DistPoint& item : spread.circle.pDistances)
     {
-        return std::nullopt;
+        depths.push_back(spread.circle.radius - Distance(item.point, spread.circle.center));
     }
-    const auto isProven = [&](const ShrinkingWay& way, const ShrinkingCircle& reached)
-    {
-        return leftOut.LiesWithin(reached.center, reached.radius, lengths.margin) &&
-               StepProof(way, reached, lengths).Holds();
-    };
-    const Spreading ending = ShrinkUntilSpread(circle, isProven);
-    const bool isDone = ending == Spreading::Done || ending == Spreading::DoneOnDiameter;
-    return isDone ? std::optional(std::move(circle)) : std::nullopt;
+    const auto eighth = depths.begin() + static_cast<std::ptrdiff_t>(depths.size() / 8);
+    std::nth_element(depths.begin(), eighth, depths.end());
+    return std::max(*eighth, 0.0);
+}
+
+/** The points of the circle, and of each group the one that lies farthest from its centre. */
+std::vector<DistPoint> WithFarthest(ShrinkingCircle circle, std::span<const qPoint64f> points)
+{
+    std::vector<DistPoint> items = std::move(circle.pDistances);
+    const std::vector<DistPoint> farthest = FarthestOfGroups(points, circle.center);
+    items.insert(items.end(), farthest.begin(), farthest.end());
+    return items;
 }
 
 } // namespace
 
-std::optional<ShrinkingCircle> SpreadAroundFew(std::span<const qPoint64f> points, const qPoint64f& mean)
+std::optional<ShrinkingCircle> SpreadAroundFew(std::span<const qPoint64f> points, const qPoint64f& mean,
+                                               std::vector<DistPoint> outer)
 {
-    const ShrinkingCircle first = CircleAround(mean, FarthestOfGroups(points, mean));
-    const Lengths lengths = LengthsOf(first);
-    const std::optional<Guess> guess = GuessAround(first);
-    if (!guess.has_value())
+    std::optional<Spread> spread = SpreadSome(std::move(outer), mean, {});
+    if (!spread.has_value())
     {
         return std::nullopt;
     }
-    double allowance = 8.0 * lengths.margin + (first.radius - guess->outside) * 0.25;
+    const double least = 8.0 * LengthsOf(spread->circle).margin;
+    double allowance = least + 0.3 * DepthOfEighth(*spread);
     for (int attempt = 0; attempt < kMostAttempts; ++attempt)
     {
-        if (auto circle = SpreadWithout({guess->center, guess->outside - allowance}, points, mean, lengths))
+        const std::vector<Disc> discs = DiscsWithin(spread->way, allowance);
+        if (auto few = PointsBeyond(points, discs, 512 + points.size() / 16))
         {
-            return circle;
+            spread = SpreadSome(std::move(*few), mean, discs);
         }
-        allowance *= 4.0;
+        else
+        {
+            spread = SpreadSome(WithFarthest(std::move(spread->circle), points), mean, {});
+            allowance = least;
+        }
+        if (!spread.has_value() || spread->isProven)
+        {
+            break;
+        }
     }
-    return std::nullopt;
+    return spread.has_value() && spread->isProven ? std::optional(std::move(spread->circle)) : std::nullopt;
 }
 
 } // namespace Zvl

@@ -16,26 +16,6 @@ namespace
 constexpr const char* kFunction = "Zvl::FitCircle_MCC";
 constexpr std::size_t kManyPoints = 128; // of fewer than that, most matter
 
-/** The sums wait for one another; the coordinates are looked at meanwhile.
- *  @throws Zo::Exception #STATUS_BAD_DATA when a coordinate is not a number or too large */
-qPoint64f MeanOf(std::span<const qPoint64f> points)
-{
-    qPoint64f mean = {0.0, 0.0};
-    bool areUsable = true;
-    for (const qPoint64f& point : points)
-    {
-        mean.x += point.x;
-        mean.y += point.y;
-        areUsable = areUsable && IsUsable(point);
-    }
-    if (!areUsable)
-    {
-        ZVL_THROW(kFunction, STATUS_BAD_DATA);
-    }
-    const auto count = static_cast<double>(points.size());
-    return {mean.x / count, mean.y / count};
-}
-
 /** The smallest circle around the points. */
 struct EnclosingCircle
 {
@@ -64,9 +44,10 @@ bool IsInside(const DistPoint& nearest, const ShrinkingCircle& circle)
 
 /** With the few points that matter, when they can be told from the others. The nearest one is then known unless the
  *  circle came to its end between two points, where the circles that were tried in vain leave their distances. */
-std::optional<EnclosingCircle> EncloseByFew(std::span<const qPoint64f> points, const qPoint64f& mean, bool wantsNearest)
+std::optional<EnclosingCircle> EncloseByFew(std::span<const qPoint64f> points, const qPoint64f& mean,
+                                            std::vector<DistPoint> outer, bool wantsNearest)
 {
-    const std::optional<ShrinkingCircle> circle = SpreadAroundFew(points, mean);
+    const std::optional<ShrinkingCircle> circle = SpreadAroundFew(points, mean, std::move(outer));
     if (!circle.has_value() || (wantsNearest && circle->tempControlPoints.size() == 2))
     {
         return std::nullopt;
@@ -102,15 +83,36 @@ EnclosingCircle EncloseByAll(std::span<const qPoint64f> points, const qPoint64f&
     return {FirstThree(circle.tempControlPoints), *nearest};
 }
 
+qPoint64f MeanOf(std::span<const qPoint64f> points)
+{
+    qPoint64f sum = {0.0, 0.0};
+    for (const qPoint64f& point : points)
+    {
+        sum.x += point.x;
+        sum.y += point.y;
+    }
+    const auto count = static_cast<double>(points.size());
+    return {sum.x / count, sum.y / count};
+}
+
+/** @throws Zo::Exception #STATUS_BAD_DATA when a coordinate is not a number or too large */
 EnclosingCircle Enclose(std::span<const qPoint64f> points, bool wantsNearest)
 {
-    const qPoint64f mean = MeanOf(points);
-    if (points.size() >= kManyPoints)
+    if (points.size() < kManyPoints)
     {
-        if (auto circle = EncloseByFew(points, mean, wantsNearest))
-        {
-            return std::move(*circle);
-        }
+        RequireUsablePoints(kFunction, points.data(), points.size());
+        return EncloseByAll(points, MeanOf(points));
+    }
+    GroupedPoints grouped = SumInGroups(points);
+    if (!grouped.areUsable)
+    {
+        ZVL_THROW(kFunction, STATUS_BAD_DATA);
+    }
+    const auto count = static_cast<double>(points.size());
+    const qPoint64f mean = {grouped.sum.x / count, grouped.sum.y / count};
+    if (auto circle = EncloseByFew(points, mean, std::move(grouped.farthest), wantsNearest))
+    {
+        return std::move(*circle);
     }
     return EncloseByAll(points, mean);
 }

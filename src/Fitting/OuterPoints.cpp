@@ -1,7 +1,9 @@
 #include "Fitting/OuterPoints.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
+#include <memory>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Fitting/OuterPoints.cpp"
@@ -19,7 +21,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 using Reals = hn::ScalableTag<double>;
 using Vector = hn::Vec<Reals>;
 
-constexpr std::size_t kGroups = 128;
+constexpr std::size_t kGroups = 48; // enough to show every side, and few for steps around them
 
 /** The coordinates of as many points as a vector holds, and the squares of their distances from a centre. */
 struct Measured
@@ -39,62 +41,155 @@ HWY_INLINE Measured Measure(const qPoint64f* points, const Vector& centerX, cons
     return measured;
 }
 
-/** A group is what passes through one lane of a stretch of vectors.
- *  @param farthest room for an entry for each lane of each stretch
- *  @return the number of points in whole vectors; the others are in no group */
-std::size_t GroupWholeVectors(const qPoint64f* points, std::size_t count, const qPoint64f& center, DistPoint* farthest,
-                              std::size_t& groups)
+/** A place for each lane. */
+struct Places
+{
+    Vector x;
+    Vector y;
+};
+
+/** Places on a circle, a golden angle from one lane to the next, and from the last lane to the first of the next vector, so
+ *  that they are spread evenly however many there are. */
+class PlacesAround
+{
+public:
+    PlacesAround(const qPoint64f& middle, double radius) : middleX(hn::Set(d, middle.x)), middleY(hn::Set(d, middle.y))
+    {
+        constexpr double kCosine = -0.7373688780783197;
+        constexpr double kSine = 0.6754902942615238;
+        HWY_ALIGN double x[hn::MaxLanes(Reals())];
+        HWY_ALIGN double y[hn::MaxLanes(Reals())];
+        qPoint64f direction = {1.0, 0.0};
+        for (std::size_t lane = 0; lane < hn::Lanes(d); ++lane)
+        {
+            x[lane] = radius * direction.x;
+            y[lane] = radius * direction.y;
+            direction = {kCosine * direction.x - kSine * direction.y, kSine * direction.x + kCosine * direction.y};
+        }
+        offsetX = hn::Load(d, x);
+        offsetY = hn::Load(d, y);
+        cosine = hn::Set(d, direction.x);
+        sine = hn::Set(d, direction.y);
+    }
+
+    Places Next()
+    {
+        const Places places = {hn::Add(middleX, offsetX), hn::Add(middleY, offsetY)};
+        const auto turnedX = hn::Sub(hn::Mul(cosine, offsetX), hn::Mul(sine, offsetY));
+        offsetY = hn::Add(hn::Mul(sine, offsetX), hn::Mul(cosine, offsetY));
+        offsetX = turnedX;
+        return places;
+    }
+
+private:
+    Reals d;
+    Vector middleX;
+    Vector middleY;
+    Vector offsetX;
+    Vector offsetY;
+    Vector cosine; // of the turn from one vector to the next
+    Vector sine;
+};
+
+/** True for each lane of points with coordinates as IsUsable() wants them. */
+HWY_INLINE hn::Mask<Reals> AreUsable(const Vector& x, const Vector& y, const Vector& largest)
+{
+    return hn::And(hn::Le(hn::Abs(x), largest), hn::Le(hn::Abs(y), largest));
+}
+
+/** Adds the points of a vector one after the other. */
+HWY_INLINE void AddInOrder(const qPoint64f* points, qPoint64f& sum)
+{
+    for (std::size_t lane = 0; lane < hn::Lanes(Reals()); ++lane)
+    {
+        sum.x += points[lane].x;
+        sum.y += points[lane].y;
+    }
+}
+
+/** A group is what passes through one lane of a stretch of vectors. Each looks from a place of its own at a distance of
+ *  @p offset from @p middle, and so at another side of the points.
+ *
+ *  Each addition to the sum waits some cycles for the one before. The groups need no sum, and fill that time.
+ *  @param grouped gets the sum, whether all are usable, and the farthest points; it has room for each lane of each stretch
+ *  @return the number of points in whole vectors; the others are in no group and in no sum */
+std::size_t GroupWholeVectors(std::span<const qPoint64f> points, const qPoint64f& middle, double offset,
+                              GroupedPoints& grouped, std::size_t& groups)
 {
     const Reals d;
     const std::size_t lanes = hn::Lanes(d);
-    const std::size_t whole = count / lanes * lanes;
+    const std::size_t whole = points.size() / lanes * lanes;
     const std::size_t stretch = (whole + kGroups - 1) / kGroups * lanes; // so that there are no more than kGroups lanes
-    const auto centerX = hn::Set(d, center.x);
-    const auto centerY = hn::Set(d, center.y);
+    const auto largest = hn::Set(d, kVoronoiLargestCoordinate);
+    PlacesAround around(middle, offset);
+    auto areUsable = hn::Eq(largest, largest);
+    qPoint64f sum = {0.0, 0.0};
     groups = 0;
     for (std::size_t begin = 0; begin < whole; begin += stretch)
     {
-        Measured best = Measure(points + begin, centerX, centerY);
+        const Places places = around.Next();
+        Measured best = {places.x, places.y, hn::Set(d, -1.0)};
         const std::size_t end = std::min(begin + stretch, whole);
-        for (std::size_t i = begin + lanes; i < end; i += lanes)
+        for (std::size_t i = begin; i < end; i += lanes)
         {
-            const Measured next = Measure(points + i, centerX, centerY);
+            AddInOrder(&points[i], sum);
+            const Measured next = Measure(&points[i], places.x, places.y);
+            areUsable = hn::And(areUsable, AreUsable(next.x, next.y, largest));
             const auto isFarther = hn::Gt(next.square, best.square);
             best.x = hn::IfThenElse(isFarther, next.x, best.x);
             best.y = hn::IfThenElse(isFarther, next.y, best.y);
-            best.square = hn::Max(best.square, next.square);
+            best.square = hn::IfThenElse(isFarther, next.square, best.square);
         }
-        hn::StoreInterleaved3(best.x, best.y, best.square, d, &farthest[groups].point.x);
+        hn::StoreInterleaved3(best.x, best.y, best.square, d, &grouped.farthest[groups].point.x);
         groups += lanes;
     }
+    grouped.sum = sum;
+    grouped.areUsable = hn::AllTrue(d, areUsable);
     return whole;
 }
 
-/** Puts the points of whole vectors with @p square or more to @p beyond, which has room for @p most.
+/** True for each lane at or beyond the square of one of the bounds. */
+HWY_INLINE hn::Mask<Reals> AreBeyond(const Vector& x, const Vector& y, std::span<const DistPoint> bounds)
+{
+    const Reals d;
+    auto areBeyond = hn::Ne(x, x);
+    for (const DistPoint& bound : bounds)
+    {
+        const auto fromX = hn::Sub(x, hn::Set(d, bound.point.x));
+        const auto fromY = hn::Sub(y, hn::Set(d, bound.point.y));
+        const auto square = hn::Add(hn::Mul(fromX, fromX), hn::Mul(fromY, fromY));
+        areBeyond = hn::Or(areBeyond, hn::Ge(square, hn::Set(d, bound.value)));
+    }
+    return areBeyond;
+}
+
+/** Puts the points of whole vectors that are beyond one of the bounds, centres with squares, to @p beyond, which has room
+ *  for @p most. The core lies within all bounds, and most points within it.
  *  @return the number of points in whole vectors
  *  @param found the number of points that were put; more than @p most when there was not room for all */
-std::size_t SelectWholeVectors(const qPoint64f* points, std::size_t count, const qPoint64f& center, double square,
-                               DistPoint* beyond, std::size_t most, std::size_t& found)
+std::size_t SelectWholeVectors(std::span<const qPoint64f> points, const DistPoint& core,
+                               std::span<const DistPoint> bounds, DistPoint* beyond, std::size_t most,
+                               std::size_t& found)
 {
     const Reals d;
     const std::size_t lanes = hn::Lanes(d);
-    const std::size_t whole = count / lanes * lanes;
-    const auto centerX = hn::Set(d, center.x);
-    const auto centerY = hn::Set(d, center.y);
-    const auto bound = hn::Set(d, square);
-    HWY_ALIGN double squares[hn::MaxLanes(Reals())];
+    const std::size_t whole = points.size() / lanes * lanes;
+    const auto coreX = hn::Set(d, core.point.x);
+    const auto coreY = hn::Set(d, core.point.y);
+    const auto coreSquare = hn::Set(d, core.value);
+    std::uint8_t bits[8] = {}; // StoreMaskBits() wants room for eight bytes
     found = 0;
     for (std::size_t i = 0; i < whole; i += lanes)
     {
-        const Measured measured = Measure(points + i, centerX, centerY);
-        if (hn::AllFalse(d, hn::Ge(measured.square, bound)))
+        const Measured measured = Measure(&points[i], coreX, coreY);
+        if (hn::AllFalse(d, hn::Ge(measured.square, coreSquare)))
         {
             continue;
         }
-        hn::Store(measured.square, d, squares);
+        hn::StoreMaskBits(d, AreBeyond(measured.x, measured.y, bounds), bits);
         for (std::size_t lane = 0; lane < lanes; ++lane)
         {
-            if (squares[lane] >= square && found++ < most)
+            if ((bits[lane / 8] >> lane % 8 & 1) != 0 && found++ < most)
             {
                 beyond[found - 1] = {points[i + lane], 0.0};
             }
@@ -137,7 +232,7 @@ HWY_EXPORT(SmallestOfWholeVectors);
 namespace
 {
 
-constexpr std::size_t kMostGroups = 256; // room for the 128 groups, however the lanes fill up
+constexpr std::size_t kMostGroups = 128; // room for the 48 groups, however the lanes fill up
 
 double SquaredDistance(const qPoint64f& a, const qPoint64f& b)
 {
@@ -146,43 +241,108 @@ double SquaredDistance(const qPoint64f& a, const qPoint64f& b)
     return x * x + y * y;
 }
 
+double SquareOfPositive(double radius)
+{
+    return radius > 0.0 ? radius * radius : 0.0;
+}
+
+/** A centre and the square of a radius: what is nearer lies in all discs, however their borders are rounded. */
+DistPoint CoreOf(std::span<const Disc> discs)
+{
+    const qPoint64f& center = discs.back().center;
+    double radius = discs.back().radius;
+    for (const Disc& disc : discs)
+    {
+        radius = std::min(radius, disc.radius - Distance(disc.center, center));
+    }
+    const double rounding = 1e-9 * (std::fabs(center.x) + std::fabs(center.y) + radius);
+    return {center, SquareOfPositive(radius - rounding)};
+}
+
+struct Bounds
+{
+    qPoint64f least;
+    qPoint64f most;
+};
+
+/** The bounds of some of the points. Clouds end flat: few points tell the middle of the bounds better than they tell the
+ *  mean. */
+Bounds BoundsOfSome(std::span<const qPoint64f> points)
+{
+    constexpr std::size_t kSome = 128;
+    constexpr std::uint64_t kGoldenRatio = 0x9E3779B9; // of 2^32
+    const std::size_t some = std::min(points.size(), kSome);
+    const std::size_t stride = points.size() / some;
+    Bounds bounds = {points[0], points[0]};
+    for (std::size_t i = 0; i < some; ++i)
+    {
+        // At another place in each stride, lest they are all of one column of a map.
+        const std::size_t place = i * kGoldenRatio % (1ULL << 32) * stride >> 32;
+        const qPoint64f& point = points[i * stride + place];
+        bounds.least = {std::min(bounds.least.x, point.x), std::min(bounds.least.y, point.y)};
+        bounds.most = {std::max(bounds.most.x, point.x), std::max(bounds.most.y, point.y)};
+    }
+    return bounds;
+}
+
+GroupedPoints GroupAround(const qPoint64f& middle, double offset, std::span<const qPoint64f> points)
+{
+    GroupedPoints grouped = {{0.0, 0.0}, true, std::vector<DistPoint>(kMostGroups)};
+    std::size_t groups = 0;
+    const std::size_t whole = HWY_DYNAMIC_DISPATCH(GroupWholeVectors)(points, middle, offset, grouped, groups);
+    grouped.farthest.resize(groups);
+    for (const qPoint64f& point : points.subspan(whole))
+    {
+        grouped.sum.x += point.x;
+        grouped.sum.y += point.y;
+        grouped.areUsable = grouped.areUsable && IsUsable(point);
+        grouped.farthest.push_back({point, SquaredDistance(point, middle)});
+    }
+    return grouped;
+}
+
 } // namespace
+
+GroupedPoints SumInGroups(std::span<const qPoint64f> points)
+{
+    const Bounds bounds = BoundsOfSome(points);
+    // More than the middle is off, lest most groups look at one side; but not by much, as they look for the farthest.
+    const double offset = 0.02 * std::max(bounds.most.x - bounds.least.x, bounds.most.y - bounds.least.y);
+    return GroupAround(Middle(bounds.least, bounds.most), offset, points);
+}
 
 std::vector<DistPoint> FarthestOfGroups(std::span<const qPoint64f> points, const qPoint64f& center)
 {
-    std::vector<DistPoint> farthest(kMostGroups);
-    std::size_t groups = 0;
-    const std::size_t whole =
-        HWY_DYNAMIC_DISPATCH(GroupWholeVectors)(points.data(), points.size(), center, farthest.data(), groups);
-    farthest.resize(groups);
-    for (const qPoint64f& point : points.subspan(whole))
-    {
-        farthest.push_back({point, SquaredDistance(point, center)});
-    }
-    return farthest;
+    return GroupAround(center, 0.0, points).farthest;
 }
 
-std::optional<std::vector<DistPoint>> PointsBeyond(std::span<const qPoint64f> points, const qPoint64f& center,
-                                                   double distance, std::size_t most)
+std::optional<std::vector<DistPoint>> PointsBeyond(std::span<const qPoint64f> points, std::span<const Disc> discs,
+                                                   std::size_t most)
 {
-    const double square = distance > 0.0 ? distance * distance : 0.0;
-    std::vector<DistPoint> beyond(most);
+    std::vector<DistPoint> bounds;
+    for (const Disc& disc : discs)
+    {
+        bounds.push_back({disc.center, SquareOfPositive(disc.radius)});
+    }
+    const auto beyond = std::make_unique_for_overwrite<DistPoint[]>(most);
     std::size_t found = 0;
-    const std::size_t whole = HWY_DYNAMIC_DISPATCH(SelectWholeVectors)(points.data(), points.size(), center, square,
-                                                                       beyond.data(), most, found);
+    const std::size_t whole =
+        HWY_DYNAMIC_DISPATCH(SelectWholeVectors)(points, CoreOf(discs), bounds, beyond.get(), most, found);
     if (found > most)
     {
         return std::nullopt;
     }
-    beyond.resize(found);
+    std::vector<DistPoint> selected(beyond.get(), beyond.get() + found);
     for (const qPoint64f& point : points.subspan(whole))
     {
-        if (SquaredDistance(point, center) >= square)
+        if (std::any_of(bounds.begin(), bounds.end(),
+                        [&point](const DistPoint& bound)
+                        { return SquaredDistance(point, bound.point) >= bound.value; }))
         {
-            beyond.push_back({point, 0.0});
+            selected.push_back({point, 0.0});
         }
     }
-    return beyond;
+    return selected;
 }
 
 DistPoint NearestPoint(std::span<const qPoint64f> points, const qPoint64f& center)

@@ -11,14 +11,33 @@
 namespace Zvl
 {
 
-/** Splits the points into about 128 groups and finds the farthest of each.
- *  @return these points with the squares of their distances from @p center; the farthest point of all is among them */
+/** What one pass over points tells. */
+struct GroupedPoints
+{
+    qPoint64f sum;                   ///< each point added to the sum of those before it
+    bool areUsable;                  ///< as IsUsable() tells for each of them
+    std::vector<DistPoint> farthest; ///< the farthest point of each group, with a value of no use
+};
+
+/** Splits the points, of which there is at least one, into about 48 groups, and finds the points of these that lie farthest
+ *  from somewhere near their middle: the outermost ones on all sides, as a rule. */
+GroupedPoints SumInGroups(std::span<const qPoint64f> points);
+
+/** The farthest point of each of these groups, as seen from @p center, with the square of its distance; the farthest point
+ *  of all is among them. */
 std::vector<DistPoint> FarthestOfGroups(std::span<const qPoint64f> points, const qPoint64f& center);
 
-/** The points at a distance of @p distance or more from @p center, in their order, without values; nothing when there
- *  are more than @p most. A distance that is not positive asks for all points. */
-std::optional<std::vector<DistPoint>> PointsBeyond(std::span<const qPoint64f> points, const qPoint64f& center,
-                                                   double distance, std::size_t most);
+/** A circle and all that is inside. */
+struct Disc
+{
+    qPoint64f center;
+    double radius;
+};
+
+/** The points outside of at least one disc or on its border, in their order, without values; nothing when there are more
+ *  than @p most of them in whole vectors. All points are outside of a disc whose radius is not positive. There is at least one disc. */
+std::optional<std::vector<DistPoint>> PointsBeyond(std::span<const qPoint64f> points, std::span<const Disc> discs,
+                                                   std::size_t most);
 
 /** The first of the points that are nearest to @p center, with its distance. There is at least one point, and no
  *  coordinate is beyond 1e100. */

@@ -1,5 +1,6 @@
 #include "Fitting/CircleAroundFew.h"
 #include "Fitting/CircleCircumscribed.h"
+#include "Fitting/OuterPoints.h"
 
 #include "ZoneSupport.h"
 
@@ -20,6 +21,11 @@ qPoint64f MeanOf(const Points& points)
         mean.y += p.y;
     }
     return {mean.x / static_cast<double>(points.size()), mean.y / static_cast<double>(points.size())};
+}
+
+std::optional<ShrinkingCircle> SpreadAroundFew(const Points& points)
+{
+    return Zvl::SpreadAroundFew(points, MeanOf(points), Zvl::SumInGroups(points).farthest);
 }
 
 /** A disc with a random middle, in random order. */
@@ -77,6 +83,22 @@ Points PointsOf(const std::vector<DistPoint>& items)
     return points;
 }
 
+/** @return true when there is a result; it is compared with that of the steps over all points */
+bool IsProvenAndTheSame(const std::optional<ShrinkingCircle>& few, const Points& points)
+{
+    if (!few.has_value())
+    {
+        return false;
+    }
+    Spreading ending{};
+    const ShrinkingCircle all = SpreadAroundAll(points, ending);
+    EXPECT_TRUE(ending == Spreading::Done || ending == Spreading::DoneOnDiameter);
+    ExpectPoints({few->center}, {all.center});
+    EXPECT_EQ(few->radius, all.radius);
+    ExpectPoints(PointsOf(few->tempControlPoints), PointsOf(all.tempControlPoints));
+    return true;
+}
+
 TEST(SpreadAroundFew, EndsAsTheStepsOverAllPointsDo)
 {
     std::size_t proven = 0;
@@ -85,20 +107,13 @@ TEST(SpreadAroundFew, EndsAsTheStepsOverAllPointsDo)
     {
         SCOPED_TRACE(seed);
         const Points points = CloudOf(seed % 10 == 0 ? 8000 : 50 + 7 * seed, seed);
-        const std::optional<ShrinkingCircle> few = Zvl::SpreadAroundFew(points, MeanOf(points));
-        if (!few.has_value())
+        const std::optional<ShrinkingCircle> few = SpreadAroundFew(points);
+        if (IsProvenAndTheSame(few, points))
         {
-            continue;
+            EXPECT_LT(few->pDistances.size(), std::max<std::size_t>(513, points.size()));
+            ++proven;
+            onDiameter += few->tempControlPoints.size() == 2 ? 1 : 0;
         }
-        Spreading ending{};
-        const ShrinkingCircle all = SpreadAroundAll(points, ending);
-        ASSERT_TRUE(ending == Spreading::Done || ending == Spreading::DoneOnDiameter);
-        ExpectPoints({few->center}, {all.center});
-        EXPECT_EQ(few->radius, all.radius);
-        ExpectPoints(PointsOf(few->tempControlPoints), PointsOf(all.tempControlPoints));
-        EXPECT_LT(few->pDistances.size(), std::max<std::size_t>(513, points.size()));
-        ++proven;
-        onDiameter += ending == Spreading::DoneOnDiameter ? 1 : 0;
     }
     EXPECT_GT(proven, 200U);
     EXPECT_GT(onDiameter, 20U);
@@ -112,7 +127,7 @@ TEST(SpreadAroundFew, ManyPointsOnOneCircleMatterAllOrAreRefused)
         const Points circle = VoronoiSupport::Ring(count, {3.0, 4.0}, 5.0);
         for (const Points& some : {points, circle})
         {
-            const auto few = Zvl::SpreadAroundFew(some, MeanOf(some));
+            const auto few = SpreadAroundFew(some);
             if (few.has_value())
             {
                 Spreading ending{};
@@ -124,8 +139,8 @@ TEST(SpreadAroundFew, ManyPointsOnOneCircleMatterAllOrAreRefused)
 
 TEST(SpreadAroundFew, PointsThatAPeerOfTheirGroupHidesAreNotForgotten)
 {
-    // The guess sees only the farthest of the first 512 / lanes points of a lane, whatever the number of lanes up to 8 is. The
-    // others may lie far outside of it, so that a shortlist around the guess leaves out too much.
+    // A group shows only its farthest point. Some dozen points are in one group, whatever the number of lanes up to 8 is, and
+    // may lie far outside of the circles around the points that are shown.
     std::size_t proven = 0;
     for (std::uint64_t seed = 1; seed <= 400; ++seed)
     {
@@ -140,24 +155,73 @@ TEST(SpreadAroundFew, PointsThatAPeerOfTheirGroupHidesAreNotForgotten)
             const double distance = radius(random);
             points[8 * hidden] = {25.0 + distance * std::cos(direction), -40.0 + distance * std::sin(direction)};
         }
-        const std::optional<ShrinkingCircle> few = Zvl::SpreadAroundFew(points, MeanOf(points));
-        if (few.has_value())
-        {
-            Spreading ending{};
-            const ShrinkingCircle all = SpreadAroundAll(points, ending);
-            ExpectPoints({few->center}, {all.center});
-            EXPECT_EQ(few->radius, all.radius);
-            ++proven;
-        }
+        proven += IsProvenAndTheSame(SpreadAroundFew(points), points) ? 1 : 0;
     }
     EXPECT_GT(proven, 100U);
+}
+
+/** The lists of outer points that a guess may begin with, good and bad. */
+std::vector<std::vector<DistPoint>> SomeOuterPoints(const Points& points, std::uint64_t seed)
+{
+    const qPoint64f mean = MeanOf(points);
+    std::vector<DistPoint> items;
+    for (const qPoint64f& p : points)
+    {
+        items.push_back({p, Zvl::Distance(p, mean)});
+    }
+    std::vector<std::vector<DistPoint>> all = {{items[0], items[1]}, {4, items[seed % items.size()]}};
+    std::mt19937_64 random(seed);
+    std::sort(items.begin(), items.end(), [](const DistPoint& a, const DistPoint& b) { return a.value < b.value; });
+    all.emplace_back(items.begin(), items.begin() + 20); // the innermost
+    all.emplace_back(items.end() - 5, items.end());
+    std::sort(items.begin(), items.end(), [](const DistPoint& a, const DistPoint& b) { return a.point.x < b.point.x; });
+    all.emplace_back(items.end() - 30, items.end()); // one side
+    std::shuffle(items.begin(), items.end(), random);
+    all.emplace_back(items.begin(), items.begin() + 20);
+    return all;
+}
+
+TEST(SpreadAroundFew, WhateverItBeginsWithEndsAsTheStepsOverAllPointsDo)
+{
+    std::size_t proven = 0;
+    for (std::uint64_t seed = 1; seed <= 100; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        const Points points = CloudOf(600 + 20 * seed, seed);
+        for (const std::vector<DistPoint>& outer : SomeOuterPoints(points, seed))
+        {
+            const auto few = Zvl::SpreadAroundFew(points, MeanOf(points), outer);
+            proven += IsProvenAndTheSame(few, points) ? 1 : 0;
+        }
+    }
+    EXPECT_GT(proven, 300U);
+}
+
+TEST(SpreadAroundFew, RoughRingsWithTheirMeanBesideTheMiddleAreProven)
+{
+    std::size_t proven = 0;
+    for (std::uint64_t seed = 1; seed <= 50; ++seed)
+    {
+        std::mt19937_64 random(seed);
+        std::uniform_real_distribution<double> angle(0.0, 6.283185307179586);
+        std::normal_distribution<double> radius(10.0, 0.003);
+        Points points(5000);
+        for (qPoint64f& p : points)
+        {
+            const double direction = angle(random);
+            const double distance = radius(random);
+            p = {25.0 + distance * std::cos(direction), -40.0 + distance * std::sin(direction)};
+        }
+        proven += SpreadAroundFew(points).has_value() ? 1 : 0;
+    }
+    EXPECT_GE(proven, 49U);
 }
 
 TEST(SpreadAroundFew, DegeneratePointsAreNothingToProve)
 {
     for (const Points& points : DegeneratePoints())
     {
-        const auto few = Zvl::SpreadAroundFew(points, MeanOf(points));
+        const auto few = SpreadAroundFew(points);
         Spreading ending{};
         const ShrinkingCircle all = SpreadAroundAll(points, ending);
         if (few.has_value())
@@ -166,6 +230,40 @@ TEST(SpreadAroundFew, DegeneratePointsAreNothingToProve)
             ExpectPoints(PointsOf(few->tempControlPoints), PointsOf(all.tempControlPoints));
         }
     }
+}
+
+/** Clouds that deceive the pass over some of the points: where these lie says little of where the others are. */
+std::vector<Points> DeceivingClouds(std::uint64_t seed)
+{
+    Points outliers = Disc(3000, seed);
+    std::mt19937_64 random(seed);
+    for (std::size_t i = 0; i < outliers.size() / 8; ++i)
+    {
+        outliers[random() % outliers.size()] = {300.0 + 1e-3 * static_cast<double>(i), 200.0};
+    }
+    Points nearlyOne(3000, {25.0, -40.0});
+    for (const qPoint64f& p : Disc(12, seed))
+    {
+        nearlyOne[random() % nearlyOne.size()] = p;
+    }
+    Points lateRing(4000, {25.0, -40.0});
+    const Points ring = LobedRing(40, 0.05, seed);
+    std::copy(ring.begin(), ring.end(), lateRing.end() - 40);
+    return {outliers, nearlyOne, lateRing};
+}
+
+TEST(SpreadAroundFew, DeceivingCloudsEndAsTheStepsOverAllPointsDo)
+{
+    std::size_t proven = 0;
+    for (std::uint64_t seed = 1; seed <= 30; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        for (const Points& points : DeceivingClouds(seed))
+        {
+            proven += IsProvenAndTheSame(SpreadAroundFew(points), points) ? 1 : 0;
+        }
+    }
+    EXPECT_EQ(proven, 90U);
 }
 
 /** The circle with all its outputs, also the distance of the nearest point, from the steps over all points. */

@@ -65,6 +65,22 @@ TEST(CircumscribedCircle, UnusableCoordinatesAreRefused)
     }
 }
 
+TEST(CircumscribedCircle, AnUnusableCoordinateAmongManyIsRefused)
+{
+    const Points points = LobedRing(333, 0.01, 1);
+    for (const Points& few : UnusablePoints())
+    {
+        for (const std::size_t place : {0U, 100U, 328U})
+        {
+            Points some = points;
+            std::copy(few.begin(), few.end(), some.begin() + static_cast<std::ptrdiff_t>(place));
+            Circle circle;
+            TestSupport::ExpectThrow(STATUS_BAD_DATA, kFunction, [&] { FitInto(circle, FitCircle_MCC, some); });
+            ExpectNothing(circle);
+        }
+    }
+}
+
 TEST(CircumscribedCircle, AFarthestPointBesideTheMeanLeavesNoWay)
 {
     // The mean is (1, 0), and (7, 0) is the farthest point: no centre lies strictly between the two in y.

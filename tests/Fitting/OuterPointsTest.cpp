@@ -2,21 +2,32 @@
 
 #include "ZoneSupport.h"
 
+#include <limits>
 #include <numeric>
+#include <set>
+#include <utility>
 
 namespace
 {
 
 using namespace ZoneSupport;
+using Zvl::Disc;
 using Zvl::DistPoint;
 
 constexpr qPoint64f kCenter = {4.0, 6.0};
 
-double SquareOf(const qPoint64f& p)
+double SquareOf(const qPoint64f& p, const qPoint64f& center = kCenter)
 {
-    const double x = p.x - kCenter.x;
-    const double y = p.y - kCenter.y;
+    const double x = p.x - center.x;
+    const double y = p.y - center.y;
     return x * x + y * y;
+}
+
+bool IsBeyondOne(const qPoint64f& p, std::span<const Disc> discs)
+{
+    return std::any_of(discs.begin(), discs.end(),
+                       [&p](const Disc& disc)
+                       { return disc.radius <= 0.0 || SquareOf(p, disc.center) >= disc.radius * disc.radius; });
 }
 
 /** Random points, and points on whole coordinates, of which many are equally far. */
@@ -49,7 +60,7 @@ TEST(FarthestOfGroups, HoldsTheFarthestOfAllAndFewOthers)
     {
         const Points points = SomePoints(count, count);
         const std::vector<DistPoint> farthest = Zvl::FarthestOfGroups(points, kCenter);
-        EXPECT_LE(farthest.size(), 200U);
+        EXPECT_LE(farthest.size(), 100U);
         double largest = 0.0;
         for (const DistPoint& item : farthest)
         {
@@ -66,26 +77,112 @@ TEST(FarthestOfGroups, HoldsTheFarthestOfAllAndFewOthers)
     }
 }
 
-TEST(PointsBeyond, AreThoseAtTheDistanceOrMoreInTheirOrder)
+TEST(SumInGroups, AddsThePointsOneAfterTheOther)
+{
+    for (const std::size_t count : Counts())
+    {
+        const Points points = Scattered(count, 10.0, count);
+        qPoint64f sum = {0.0, 0.0};
+        for (const qPoint64f& p : points)
+        {
+            sum.x += p.x;
+            sum.y += p.y;
+        }
+        ExpectPoints({Zvl::SumInGroups(points).sum}, {sum});
+    }
+}
+
+TEST(SumInGroups, NoticesAnUnusablePointWhereverItIs)
+{
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    for (const std::size_t count : {1U, 7U, 8U, 39U, 128U, 300U})
+    {
+        Points points = Scattered(count, 10.0, count);
+        points[count / 2] = {1e100, -1e100};
+        EXPECT_TRUE(Zvl::SumInGroups(points).areUsable);
+        for (qPoint64f& p : points)
+        {
+            for (const double value : {std::nan(""), kInfinity, -kInfinity, 1.001e100})
+            {
+                const qPoint64f before = std::exchange(p, {value, p.y});
+                EXPECT_FALSE(Zvl::SumInGroups(points).areUsable);
+                p = {before.x, value};
+                EXPECT_FALSE(Zvl::SumInGroups(points).areUsable);
+                p = before;
+            }
+        }
+    }
+}
+
+/** The sixths of a turn about @p middle, of which one of the points is in each. */
+std::set<int> Sixths(const std::vector<DistPoint>& items, const qPoint64f& middle)
+{
+    std::set<int> sixths;
+    for (const DistPoint& item : items)
+    {
+        sixths.insert(static_cast<int>(
+            std::floor(std::atan2(item.point.y - middle.y, item.point.x - middle.x) * 3.0 / 3.141592653589793)));
+    }
+    sixths.erase(3); // half a turn itself
+    return sixths;
+}
+
+TEST(SumInGroups, ShowsOuterPointsOnAllSidesInAnyOrder)
+{
+    constexpr qPoint64f kMiddle = {3.0, 4.0};
+    for (std::uint64_t seed = 1; seed <= 20; ++seed)
+    {
+        SCOPED_TRACE(seed);
+        Points points = VoronoiSupport::Ring(5000, kMiddle, 5.0);
+        const Points inside = Scattered(500, 1.0, seed); // nowhere near the ring
+        points.insert(points.end(), inside.begin(), inside.end());
+        std::mt19937_64 random(seed);
+        if (seed % 2 == 0)
+        {
+            std::shuffle(points.begin(), points.end(), random);
+        }
+        const std::vector<DistPoint> farthest = Zvl::SumInGroups(points).farthest;
+        EXPECT_LE(farthest.size(), 100U);
+        for (const DistPoint& item : farthest)
+        {
+            EXPECT_TRUE(IsAmong(item.point, points));
+        }
+        EXPECT_EQ(Sixths(farthest, kMiddle).size(), 6U);
+    }
+}
+
+TEST(SumInGroups, PointsThatAreOneAreTheFarthestOfAll)
+{
+    const Points points(1000, {1.5, -2.0});
+    for (const DistPoint& item : Zvl::SumInGroups(points).farthest)
+    {
+        ExpectPoints({item.point}, {points[0]});
+    }
+}
+
+TEST(PointsBeyond, AreThoseOutsideOfADiscInTheirOrder)
 {
     for (const std::size_t count : Counts())
     {
         const Points points = SomePoints(count, count);
-        for (const double distance : {-1.0, 0.0, 1.0, 3.0, 5.0, 6.5, 20.0})
+        for (const double radius : {-1.0, 0.0, 1.0, 3.0, 5.0, 6.5, 20.0})
         {
-            Points expected;
-            std::copy_if(points.begin(), points.end(), std::back_inserter(expected),
-                         [distance](const qPoint64f& p)
-                         { return distance <= 0.0 || SquareOf(p) >= distance * distance; });
-            const auto beyond = Zvl::PointsBeyond(points, kCenter, distance, count);
-            ASSERT_TRUE(beyond.has_value());
-            Points found;
-            for (const DistPoint& item : *beyond)
+            const std::vector<Disc> discs = {{{4.5, 5.0}, radius + 0.5}, {{1.0, 10.0}, 15.0}, {kCenter, radius}};
+            for (const std::span<const Disc> some : {std::span(discs), std::span(discs).last(1)})
             {
-                EXPECT_EQ(item.value, 0.0);
-                found.push_back(item.point);
+                Points expected;
+                std::copy_if(points.begin(), points.end(), std::back_inserter(expected),
+                             [some](const qPoint64f& p) { return IsBeyondOne(p, some); });
+                const auto beyond = Zvl::PointsBeyond(points, some, count);
+                ASSERT_TRUE(beyond.has_value());
+                Points found;
+                for (const DistPoint& item : *beyond)
+                {
+                    EXPECT_EQ(item.value, 0.0);
+                    found.push_back(item.point);
+                }
+                ExpectPoints(found, expected);
             }
-            ExpectPoints(found, expected);
         }
     }
 }
@@ -93,9 +190,11 @@ TEST(PointsBeyond, AreThoseAtTheDistanceOrMoreInTheirOrder)
 TEST(PointsBeyond, MoreThanAreWantedGiveNothing)
 {
     const Points points = Scattered(1000, 10.0, 5);
-    EXPECT_FALSE(Zvl::PointsBeyond(points, kCenter, 0.0, 900).has_value());
-    EXPECT_FALSE(Zvl::PointsBeyond(points, kCenter, 0.0, 0).has_value());
-    EXPECT_TRUE(Zvl::PointsBeyond(points, kCenter, 100.0, 0).has_value());
+    const Disc none = {kCenter, 0.0};
+    const Disc all = {kCenter, 100.0};
+    EXPECT_FALSE(Zvl::PointsBeyond(points, {&none, 1}, 900).has_value());
+    EXPECT_FALSE(Zvl::PointsBeyond(points, {&none, 1}, 0).has_value());
+    EXPECT_TRUE(Zvl::PointsBeyond(points, {&all, 1}, 0).has_value());
 }
 
 TEST(NearestPoint, IsTheFirstOneByTheRoundedDistance)
