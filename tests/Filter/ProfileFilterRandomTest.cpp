@@ -262,6 +262,135 @@ TEST(ProfileFilterAgainstPlainLoops, MeansHalfWayBetweenTwoHeights)
     }
 }
 
+void ExpectSameGaussians(const Heights& line, std::size_t window, double sigma)
+{
+    Operation operation;
+    operation.kind = 3;
+    operation.window = window;
+    operation.first = sigma;
+    ExpectSame(line, {operation});
+}
+
+/** @p line, of which the share @p missing is left out, cell by cell. */
+Heights WithoutSome(Heights line, double missing, std::mt19937& random)
+{
+    std::bernoulli_distribution isMissing(missing);
+    for (std::int16_t& cell : line)
+    {
+        cell = isMissing(random) ? TestSupport::kMissing : cell;
+    }
+    return line;
+}
+
+/** From lines without a gap to lines with next to nothing in them. */
+TEST(ProfileFilterAgainstPlainLoops, GaussiansOfEveryShareOfMissingCells)
+{
+    std::mt19937 random(2011);
+    for (const std::size_t window : {3U, 5U, 7U, 9U, 23U, 25U, 47U, 51U, 97U, 501U, 2001U})
+    {
+        for (const double missing : {0.0, 0.002, 0.05, 0.2, 0.5, 0.9, 0.998})
+        {
+            for (const int spread : {0, 1, 300, 32767})
+            {
+                const std::size_t size = OneOf<std::size_t>({40, 256, 700, 1100}, random);
+                const Heights line = RandomLine(size, spread, Missing::Nowhere, random);
+                const double sigma = OneOf({0.0, 0.0, 2.5, 40.0, kInfinity}, random);
+                ASSERT_NO_FATAL_FAILURE(ExpectSameGaussians(WithoutSome(line, missing, random), window, sigma));
+            }
+        }
+    }
+}
+
+/** Two cells in a line, or two plateaus, that are met with weights from the largest to those that single precision, and
+ *  then double precision, cannot hold. */
+TEST(ProfileFilterAgainstPlainLoops, GaussiansWhoseWeightsVanish)
+{
+    std::mt19937 random(2012);
+    for (const double sigma : {0.3, 0.9, 1.3, 2.0, 3.5, 6.0, 15.0})
+    {
+        for (const std::size_t gap : {1U, 2U, 5U, 11U, 19U, 60U, 130U})
+        {
+            Heights line(420, TestSupport::kMissing);
+            line[100] = OneOf<std::int16_t>({-32767, 0, 7}, random);
+            line[100 + gap] = OneOf<std::int16_t>({32767, 1, 8, -4000}, random);
+            ASSERT_NO_FATAL_FAILURE(ExpectSameGaussians(line, 251, sigma));
+            std::fill(line.begin(), line.begin() + 100, line[100]);
+            std::fill(line.begin() + 100 + static_cast<std::ptrdiff_t>(gap), line.end(), line[100 + gap]);
+            ASSERT_NO_FATAL_FAILURE(ExpectSameGaussians(line, 251, sigma));
+        }
+    }
+}
+
+/** A line of one height, in whose gaps no weight is left, though far away cells still lie in the window. */
+TEST(ProfileFilterAgainstPlainLoops, GaussiansInGapsWiderThanTheirWeights)
+{
+    std::mt19937 random(2015);
+    for (const std::size_t gap : {50U, 78U, 90U, 120U})
+    {
+        for (int round = 0; round < 20; ++round)
+        {
+            Heights line(1200, 5);
+            const std::ptrdiff_t begin = std::uniform_int_distribution<int>(260, 800)(random);
+            std::fill_n(line.begin() + begin, gap, TestSupport::kMissing);
+            const double sigma = std::uniform_real_distribution<double>(0.7, 1.6)(random);
+            ASSERT_NO_FATAL_FAILURE(ExpectSameGaussians(line, 501, sigma));
+        }
+    }
+}
+
+/** Equal weights over two neighbouring heights, about as many of each: means next to half way, or half way. A cell at the
+ *  other end of the range makes the numbers that are added up large, and some pairs of a window and a height let their
+ *  rounding errors point the same way. */
+TEST(ProfileFilterAgainstPlainLoops, GaussiansNextToHalfWayFarFromTheMiddle)
+{
+    struct Level
+    {
+        std::size_t window;
+        int height;
+    };
+    std::mt19937 random(2013);
+    for (const auto [window, height] :
+         {Level{5, 32766}, Level{7, 11513}, Level{9, -32767}, Level{23, 20001}, Level{51, 4096}, Level{51, 32766},
+          Level{97, -20001}, Level{255, 8923}, Level{501, -32767}, Level{873, 28681}, Level{983, 32677}})
+    {
+        for (const double missing : {0.0, 0.01, 0.1, 0.4, 0.8})
+        {
+            Heights line(1000);
+            for (std::size_t i = 0; i < line.size(); ++i)
+            {
+                line[i] = static_cast<std::int16_t>(height + static_cast<int>(i % 2));
+            }
+            line = WithoutSome(line, missing, random);
+            for (std::size_t i = 10; i < line.size(); i += 2 * window + 300)
+            {
+                line[i] = static_cast<std::int16_t>(-height);
+            }
+            ASSERT_NO_FATAL_FAILURE(ExpectSameGaussians(line, window, OneOf({kInfinity, 1e5}, random)));
+        }
+    }
+}
+
+/** The widest range of heights, from one cell to the next. */
+TEST(ProfileFilterAgainstPlainLoops, GaussiansOfAlternatingExtremes)
+{
+    std::mt19937 random(2014);
+    for (const std::size_t window : {3U, 9U, 51U, 501U})
+    {
+        for (const double missing : {0.0, 0.1, 0.7})
+        {
+            Heights line(900);
+            for (std::size_t i = 0; i < line.size(); ++i)
+            {
+                line[i] = static_cast<std::int16_t>(i % 2 == 0 ? 32767 : -32767);
+            }
+            for (const double sigma : {0.0, 0.6, 30.0, kInfinity})
+            {
+                ASSERT_NO_FATAL_FAILURE(ExpectSameGaussians(WithoutSome(line, missing, random), window, sigma));
+            }
+        }
+    }
+}
+
 TEST(ProfileFilterAgainstPlainLoops, WindowsWhoseHalfDoesNotFit32Bits)
 {
     constexpr std::size_t kSize = 12;
