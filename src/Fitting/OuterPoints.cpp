@@ -18,7 +18,8 @@ namespace HWY_NAMESPACE
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Reals = hn::ScalableTag<double>;
+/** At most 32 bytes: points begin anywhere in a cache line, and wider loads would all cross its end. */
+using Reals = hn::CappedTag<double, 4>;
 using Vector = hn::Vec<Reals>;
 
 constexpr std::size_t kGroups = 48; // enough to show every side, and few for steps around them
