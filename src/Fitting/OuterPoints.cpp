@@ -1,9 +1,9 @@
 #include "Fitting/OuterPoints.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
-#include <memory>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "Fitting/OuterPoints.cpp"
@@ -165,12 +165,11 @@ HWY_INLINE hn::Mask<Reals> AreBeyond(const Vector& x, const Vector& y, std::span
 }
 
 /** Puts the points of whole vectors that are beyond one of the bounds, centres with squares, to @p beyond, which has room
- *  for @p most. The core lies within all bounds, and most points within it.
+ *  for all. The core lies within all bounds, and most points within it.
  *  @return the number of points in whole vectors
- *  @param found the number of points that were put; more than @p most when there was not room for all */
+ *  @param found the number of points that were put */
 std::size_t SelectWholeVectors(std::span<const qPoint64f> points, const DistPoint& core,
-                               std::span<const DistPoint> bounds, DistPoint* beyond, std::size_t most,
-                               std::size_t& found)
+                               std::span<const DistPoint> bounds, DistPoint* beyond, std::size_t& found)
 {
     const Reals d;
     const std::size_t lanes = hn::Lanes(d);
@@ -190,9 +189,9 @@ std::size_t SelectWholeVectors(std::span<const qPoint64f> points, const DistPoin
         hn::StoreMaskBits(d, AreBeyond(measured.x, measured.y, bounds), bits);
         for (std::size_t lane = 0; lane < lanes; ++lane)
         {
-            if ((bits[lane / 8] >> lane % 8 & 1) != 0 && found++ < most)
+            if ((bits[0] >> lane & 1) != 0)
             {
-                beyond[found - 1] = {points[i + lane], 0.0};
+                beyond[found++] = {points[i + lane], 0.0};
             }
         }
     }
@@ -234,6 +233,7 @@ namespace
 {
 
 constexpr std::size_t kMostGroups = 128; // room for the 48 groups, however the lanes fill up
+constexpr std::size_t kAtOnce = 512;     // a multiple of any number of lanes
 
 double SquaredDistance(const qPoint64f& a, const qPoint64f& b)
 {
@@ -325,16 +325,22 @@ std::optional<std::vector<DistPoint>> PointsBeyond(std::span<const qPoint64f> po
     {
         bounds.push_back({disc.center, SquareOfPositive(disc.radius)});
     }
-    const auto beyond = std::make_unique_for_overwrite<DistPoint[]>(most);
-    std::size_t found = 0;
-    const std::size_t whole =
-        HWY_DYNAMIC_DISPATCH(SelectWholeVectors)(points, CoreOf(discs), bounds, beyond.get(), most, found);
-    if (found > most)
+    const DistPoint core = CoreOf(discs);
+    std::vector<DistPoint> selected;
+    std::array<DistPoint, kAtOnce> beyond;
+    std::span<const qPoint64f> rest = points;
+    for (std::size_t whole = kAtOnce; whole == kAtOnce; rest = rest.subspan(whole))
     {
-        return std::nullopt;
+        std::size_t found = 0;
+        const auto some = rest.first(std::min(kAtOnce, rest.size()));
+        whole = HWY_DYNAMIC_DISPATCH(SelectWholeVectors)(some, core, bounds, beyond.data(), found);
+        selected.insert(selected.end(), beyond.begin(), beyond.begin() + static_cast<std::ptrdiff_t>(found));
+        if (selected.size() > most)
+        {
+            return std::nullopt;
+        }
     }
-    std::vector<DistPoint> selected(beyond.get(), beyond.get() + found);
-    for (const qPoint64f& point : points.subspan(whole))
+    for (const qPoint64f& point : rest)
     {
         if (std::any_of(bounds.begin(), bounds.end(),
                         [&point](const DistPoint& bound)
