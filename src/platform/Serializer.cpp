@@ -261,16 +261,14 @@ qStatus qSerializer_BeginRead(qSerializer serializer, qType sizeType, int includ
     {
         return STATUS_BAD_DATA;
     }
-    if (length - counted > remaining - field.size)
-    {
-        return STATUS_END_OF_STREAM;
-    }
     if (!MakeRoom(AllocatorOf(target), target.readBlocks, sizeof(std::size_t)))
     {
         return STATUS_OUT_OF_MEMORY;
     }
+    // Of a block that was cut short, what is there can be read: the first value that is not fails.
+    const std::uint64_t present = std::min<std::uint64_t>(length - counted, remaining - field.size);
     target.stream->position += field.size;
-    Push(target.readBlocks, target.stream->position + static_cast<std::size_t>(length) - counted);
+    Push(target.readBlocks, target.stream->position + static_cast<std::size_t>(present));
     return STATUS_OK;
 }
 

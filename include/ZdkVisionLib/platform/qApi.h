@@ -353,8 +353,9 @@ ZDK_PLATFORM_EXPORT qStatus qSerializer_BeginWrite(qSerializer serializer, qType
  *  block then stays open), #STATUS_BAD_PARAMETER when no block is open for writing. */
 ZDK_PLATFORM_EXPORT qStatus qSerializer_EndWrite(qSerializer serializer);
 
-/** Opens a block for reading; #STATUS_END_OF_STREAM when its length is not there or points past the end of the
- *  stream or of the enclosing block, #STATUS_BAD_DATA when the length is impossible. */
+/** Opens a block for reading; #STATUS_END_OF_STREAM when its length is not there, #STATUS_BAD_DATA when the length is
+ *  impossible. A length that points past the end of the stream, or of the enclosing block, is none too many: the block
+ *  ends there, and the first value that runs past the end fails. */
 ZDK_PLATFORM_EXPORT qStatus qSerializer_BeginRead(qSerializer serializer, qType sizeType, int includeSize);
 
 /** Closes the innermost block and skips what was not read of it; #STATUS_BAD_PARAMETER when no block is open
