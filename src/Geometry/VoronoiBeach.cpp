@@ -6,9 +6,13 @@ namespace Zvl
 namespace
 {
 
-/** A search on a beach line of at most so many breakpoints walks from the last insertion; on a longer one the index is
- *  faster. */
-constexpr std::int32_t kShortBeach = 32;
+/** The search for an arc is a walk from the last insertion to the first change of sides. On a beach line of more breakpoints
+ *  than this the index is faster. It finds a change, which is the only one unless rounding has put breakpoints out of order,
+ *  as it does between sites that are almost on one line. */
+constexpr std::int32_t kShortBeach = 256;
+
+/** Breakpoints on either side of a change that must agree with it before it is taken for the only one. */
+constexpr int kNear = 4;
 
 /** IsRightOf() for a steep bisector, `x + b y = c`, which is above or below the site's parabola in most cases by its
  *  slope alone. */
@@ -75,7 +79,11 @@ VoronoiHalfEdge* VoronoiBeach::FindArc(const qPoint64f& p, const qPoint64f& min,
     {
         VoronoiHalfEdge* found =
             index.FindLast([&p](const VoronoiHalfEdge* halfEdge) { return IsRightOf(*halfEdge, p); });
-        return found != nullptr ? found : leftEnd;
+        found = found != nullptr ? found : leftEnd;
+        if (IsOnlyChangeNear(found, p))
+        {
+            return found;
+        }
     }
     VoronoiHalfEdge* start = lastInserted;
     if (start == nullptr)
@@ -95,6 +103,22 @@ VoronoiHalfEdge* VoronoiBeach::FindArc(const qPoint64f& p, const qPoint64f& min,
         start = start->right;
     } while (start != rightEnd && IsRightOf(*start, p));
     return start->left;
+}
+
+bool VoronoiBeach::IsOnlyChangeNear(const VoronoiHalfEdge* found, const qPoint64f& p) const
+{
+    const VoronoiHalfEdge* before = found;
+    const VoronoiHalfEdge* after = found->right;
+    for (int i = 0; i < kNear; ++i)
+    {
+        if ((before != leftEnd && !IsRightOf(*before, p)) || (after != rightEnd && IsRightOf(*after, p)))
+        {
+            return false;
+        }
+        before = before != leftEnd ? before->left : before;
+        after = after != rightEnd ? after->right : after;
+    }
+    return true;
 }
 
 VoronoiHalfEdge* VoronoiBeach::InsertAfter(VoronoiHalfEdge* previous, VoronoiEdge* edge, std::int32_t direction)

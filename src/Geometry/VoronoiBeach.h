@@ -33,6 +33,9 @@ public:
     VoronoiHalfEdge* ReplacePair(VoronoiHalfEdge* halfEdge, VoronoiEdge* edge, std::int32_t direction);
 
 private:
+    /** True when the breakpoints near @p found agree that those left of it, and it, are left of @p p, and no others. */
+    bool IsOnlyChangeNear(const VoronoiHalfEdge* found, const qPoint64f& p) const;
+
     VoronoiHalfEdge* New();
     void LinkAfter(VoronoiHalfEdge* previous, VoronoiHalfEdge* added);
     void Unlink(VoronoiHalfEdge* removed);

@@ -383,4 +383,48 @@ TEST(AddViolators, ANullZoneHasEveryPointAbove)
     EXPECT_TRUE(controls.inner.empty());
 }
 
+// Sites on four rows: the arc above a site begins or ends exactly at it, so that which one counts is told by where the search
+// comes from.
+TEST(MinimumZone, OfPointsOnFewRowsIsThatOfTheWalkAlongTheBeachLine)
+{
+    const Points points = {{49.300000000000004, 1},
+                           {16.449999999999999, 1},
+                           {38.550000000000004, 1},
+                           {18, 1},
+                           {7.7000000000000002, 2},
+                           {3.9500000000000002, 2},
+                           {8.5500000000000007, 1},
+                           {25.700000000000003, 1},
+                           {28.5, 1},
+                           {34.550000000000004, 2},
+                           {42.600000000000001, 2},
+                           {17.150000000000002, 3},
+                           {33, 3},
+                           {28.400000000000002, 1},
+                           {3.0500000000000003, 0},
+                           {46.100000000000001, 3},
+                           {30.25, 1},
+                           {19.400000000000002, 3},
+                           {38.450000000000003, 1},
+                           {35.899999999999999, 2},
+                           {38.100000000000001, 2},
+                           {31.75, 2},
+                           {30.550000000000001, 1},
+                           {9.4500000000000011, 2},
+                           {20.950000000000003, 1},
+                           {0.20000000000000001, 1},
+                           {21.600000000000001, 1},
+                           {24.75, 2},
+                           {37.300000000000004, 1},
+                           {36.450000000000003, 2},
+                           {35.950000000000003, 1},
+                           {24.200000000000003, 2},
+                           {32.300000000000004, 1}};
+    const Result result = FitZone(points);
+    EXPECT_EQ(result.center.x, 26.200000000000003);
+    EXPECT_EQ(result.center.y, 70.538750000000022);
+    EXPECT_EQ(result.minRadius, 67.880208835584043);
+    EXPECT_EQ(result.maxRadius, 74.240405114482655);
+}
+
 } // namespace
