@@ -15,8 +15,10 @@ namespace
 // 20 * 2^-53 * aspect^2, which the margin exceeds up to the largest aspect that is let through.
 constexpr double kQuotientMargin = 1e-9;
 constexpr double kLargestAspect = 500.0;
-constexpr double kSmallestAxis = 1e-100;
-constexpr double kLargestAxis = 1e100;
+
+// The fourth powers of these are numbers.
+constexpr double kSmallestAxis = 1e-75;
+constexpr double kLargestAxis = 1e75;
 
 // Margin of a direction, in radians; the rounding of the test's angle is about 1e-15.
 constexpr double kAngleMargin = 1e-9;

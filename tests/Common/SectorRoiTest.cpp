@@ -241,6 +241,51 @@ TEST(SectorMasksFarFromTheOrigin, AgreeWithTheTestOfEveryCell)
     EXPECT_EQ(TestSupport::CellsIn<std::uint8_t>(circle.GetMask()), expected);
 }
 
+/** Cells of the two masks that differ from the defining test, of sectors as large as @p unit, or with a hole as large. */
+std::size_t DifferingCells(const AnnularSector2d<double>& ring, const EllipticalSector2d<double>& ellipse, double unit)
+{
+    const qPoint64f scale = {unit, unit};
+    CircleROI circle(ring, 21, 21, scale, kNoOffset, nullptr);
+    EllipseROI oval(ellipse, 21, 21, scale, kNoOffset, nullptr);
+    std::size_t differing = 0;
+    const auto compare = [&](ROI& roi, auto test)
+    {
+        void* mask = roi.GetMask().Get();
+        const auto expected = PlainMask(roi.GetBoundingBox(), scale, kNoOffset, test);
+        const auto cells = TestSupport::CellsIn<std::uint8_t>(mask);
+        ASSERT_EQ(cells.size(), expected.size());
+        for (std::size_t i = 0; i < cells.size(); ++i)
+        {
+            differing += cells[i] != expected[i] ? 1 : 0;
+        }
+    };
+    compare(circle, [&](const qPoint64f& point) { return CheckPointInAnnularSector(ring, point); });
+    compare(oval, [&](const qPoint64f& point) { return CheckPointInEllipticalSector(ellipse, point); });
+    return differing;
+}
+
+TEST(SectorMasksOfAnySize, AgreeWithTheTestOfEveryCell)
+{
+    for (int power = -110; power <= 110; ++power)
+    {
+        const double k = std::pow(10.0, power);
+        for (const double row : {10.0, 10.25, 10.5})
+        {
+            EXPECT_EQ(DifferingCells({0.0, 8.0 * k, 0.0, 360.0, {10.0 * k, row * k}},
+                                     {0.0, 0.0, 8.0 * k, 16.0 * k, 0.0, 360.0, 30.0, {10.0 * k, row * k}}, k),
+                      0U)
+                << power;
+            if (power < 0)
+            {
+                EXPECT_EQ(DifferingCells({k, 5.0, 0.0, 360.0, {10.0, row}},
+                                         {k, 2.0 * k, 8.0, 16.0, 0.0, 360.0, 30.0, {10.0, row}}, 1.0),
+                          0U)
+                    << power;
+            }
+        }
+    }
+}
+
 TEST(SectorMasksOfStrangeShapes, AgreeWithTheTestOfEveryCell)
 {
     const double infinity = std::numeric_limits<double>::infinity();
