@@ -97,9 +97,9 @@ void ActiveEdges::Cross(std::size_t row, double y, double left)
 }
 
 /** Of crossings that fall together, the first in the polygon's order is the one that stays. */
-void ActiveEdges::CollectInPolygonOrder(double left, std::vector<double>& out) const
+void ActiveEdges::CollectInPolygonOrder(double left, std::vector<double>& out)
 {
-    std::vector<Crossing> ordered = active;
+    ordered = active;
     std::sort(ordered.begin(), ordered.end(), [](const Crossing& a, const Crossing& b) { return a.edge < b.edge; });
     out.clear();
     for (const Crossing& crossing : ordered)

@@ -39,12 +39,13 @@ private:
     static void RestrictRows(Edge& edge, const std::vector<double>& rowPositions);
     void Activate(std::size_t row);
     void Cross(std::size_t row, double y, double left);
-    void CollectInPolygonOrder(double left, std::vector<double>& out) const;
+    void CollectInPolygonOrder(double left, std::vector<double>& out);
 
     std::vector<Edge> edges; ///< in the polygon's order
     std::vector<std::size_t> byFirstRow;
     std::vector<Crossing> active;
-    std::size_t next = 0; ///< of `byFirstRow`, the first that is not active yet
+    std::vector<Crossing> ordered; ///< the same in the polygon's order, where a row wants it
+    std::size_t next = 0;          ///< of `byFirstRow`, the first that is not active yet
 };
 
 } // namespace Zvl

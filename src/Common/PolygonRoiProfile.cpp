@@ -62,7 +62,6 @@ void PolygonRoiProfile::_CalculateBoundingSegment()
 
 int PolygonRoiProfile::_IsPointInRegion(const qPoint64f& point) const
 {
-    std::vector<double> crossings;
     CollectIntersectXs(point, polygonPoints, &crossings, 0);
     return static_cast<int>(crossings.size() % 2);
 }

@@ -84,12 +84,16 @@ private:
 class MidpointValue
 {
 public:
-    MidpointValue(const std::vector<Point2d<double>>& points, double y, double left, double step)
-        : points(points), y(y), left(left), step(step)
+    MidpointValue(const std::vector<Point2d<double>>& points, double y, double left, double step,
+                  Intersections& intersections)
+        : points(points), intersections(intersections), y(y), left(left), step(step)
     {
     }
 
-    std::uint8_t Until(double x) const { return IsPointInPolygon({(left + x) * 0.5, y}, points) != 0 ? 1 : 0; }
+    std::uint8_t Until(double x) const
+    {
+        return IsPointInPolygon({(left + x) * 0.5, y}, points, intersections) != 0 ? 1 : 0;
+    }
 
     void Pass(double crossing, bool inBox)
     {
@@ -101,6 +105,7 @@ public:
 
 private:
     const std::vector<Point2d<double>>& points;
+    Intersections& intersections;
     double y;
     double left;
     double step;
@@ -137,9 +142,9 @@ public:
 
     void Parity(const std::vector<double>& crossings, MaskRow& row) const { FillSpans(crossings, ParityValue(), row); }
 
-    void Midpoints(const std::vector<double>& crossings, double y, MaskRow& row) const
+    void Midpoints(const std::vector<double>& crossings, double y, MaskRow& row)
     {
-        FillSpans(crossings, MidpointValue(points, y, left, step), row);
+        FillSpans(crossings, MidpointValue(points, y, left, step, intersections), row);
     }
 
 private:
@@ -191,6 +196,7 @@ private:
     double step;
     double left;
     double right;
+    Intersections intersections;
 };
 
 } // namespace
@@ -211,7 +217,7 @@ qStatus FillPolygonRows(void* context, void* /*sender*/, const qParallelArgs* ar
     const double rayOrigin = receiver.boundingRegion->x - 10.0;
 
     const ColumnMapping columns(box, receiver.scale->x, receiver.offset->x);
-    const RowScan scan(receiver, columns);
+    RowScan scan(receiver, columns);
     VertexSearch vertices(*receiver.polygonPoints);
     ActiveEdges edges(*receiver.polygonPoints, positions);
     std::vector<double> intersectXs;

@@ -144,7 +144,7 @@ int IsPointOnSegment(const Point2d<double>& p, const Point2d<double>& a, const P
     return std::fabs(cross) < kGeometricTolerance ? 1 : 0;
 }
 
-int IsPointInPolygon(const Point2d<double>& p, const std::vector<Point2d<double>>& points)
+int IsPointInPolygon(const Point2d<double>& p, const std::vector<Point2d<double>>& points, Intersections& intersections)
 {
     if (points.size() < 3)
     {
@@ -157,7 +157,7 @@ int IsPointInPolygon(const Point2d<double>& p, const std::vector<Point2d<double>
             return 1;
         }
     }
-    std::vector<double> intersectXs;
+    std::vector<double>& intersectXs = intersections.xs;
     CollectIntersectXs(p, points, &intersectXs, 1);
     const bool rayHitsVertex = std::any_of(intersectXs.begin(), intersectXs.end(),
                                            [&](double x) {
@@ -167,7 +167,7 @@ int IsPointInPolygon(const Point2d<double>& p, const std::vector<Point2d<double>
     {
         return static_cast<int>(intersectXs.size() % 2);
     }
-    std::vector<Point2d<double>> intersectPoints;
+    std::vector<Point2d<double>>& intersectPoints = intersections.points;
     for (int n = 1; n <= 35; ++n)
     {
         const double angle = n * kPi / 18;

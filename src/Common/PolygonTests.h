@@ -81,9 +81,17 @@ void CollectIntersectPoints(const Line& line, const std::vector<Point2d<double>>
  *  is tighter for long edges. */
 int IsPointOnSegment(const Point2d<double>& p, const Point2d<double>& a, const Point2d<double>& b);
 
+/** Lists that keep their memory from one test to the next. */
+struct Intersections
+{
+    std::vector<double> xs;
+    std::vector<Point2d<double>> points;
+};
+
 /** 1 when @p p is inside the polygon or on its boundary. A ray that hits a vertex cannot be trusted: the horizontal ray
  *  gives way to oblique ones in steps of 10 degrees until one misses every vertex; if none does, the result is 0. */
-int IsPointInPolygon(const Point2d<double>& p, const std::vector<Point2d<double>>& points);
+int IsPointInPolygon(const Point2d<double>& p, const std::vector<Point2d<double>>& points,
+                     Intersections& intersections);
 
 /** Euclidean distance, as all vertex searches measure it. */
 double DistanceBetween(const Point2d<double>& a, const Point2d<double>& b);

@@ -11,14 +11,18 @@
 namespace Zvl
 {
 
-/** The least upright rectangle around @p points, of which there is at least one. */
+/** The least upright rectangle around @p points, of which there is at least one. A coordinate that is not a number changes
+ *  no bound, unless it is the first. */
 inline Region2d<double> VertexBounds(const std::vector<Point2d<double>>& points)
 {
-    const auto [left, right] = std::minmax_element(
-        points.begin(), points.end(), [](const Point2d<double>& a, const Point2d<double>& b) { return a.x < b.x; });
-    const auto [bottom, top] = std::minmax_element(
-        points.begin(), points.end(), [](const Point2d<double>& a, const Point2d<double>& b) { return a.y < b.y; });
-    return {left->x, bottom->y, right->x - left->x, top->y - bottom->y, 0.0};
+    Point2d<double> least = points.front();
+    Point2d<double> most = points.front();
+    for (const Point2d<double>& point : points)
+    {
+        least = {std::min(least.x, point.x), std::min(least.y, point.y)};
+        most = {std::max(most.x, point.x), std::max(most.y, point.y)};
+    }
+    return {least.x, least.y, most.x - least.x, most.y - least.y, 0.0};
 }
 
 } // namespace Zvl

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
 
 namespace
 {
@@ -19,9 +20,27 @@ using TestSupport::kNoOffset;
 using TestSupport::kUnitScale;
 using TestSupport::Picture;
 
+int IsPointInPolygon(const Point2d<double>& p, const std::vector<Point2d<double>>& points)
+{
+    Intersections intersections;
+    return Zvl::IsPointInPolygon(p, points, intersections);
+}
+
 PolygonROI Polygon(const Points& points, std::uint64_t frame = 20)
 {
     return PolygonROI(points, frame, frame, kUnitScale, kNoOffset, nullptr);
+}
+
+TEST(PolygonRoi, ACoordinateThatIsNoNumberBoundsNothingWhereverItIs)
+{
+    const double notANumber = std::numeric_limits<double>::quiet_NaN();
+    for (std::ptrdiff_t place = 1; place < 5; ++place)
+    {
+        Points points = {{1.0, 1.0}, {10.0, 1.0}, {10.0, 10.0}, {1.0, 10.0}, {1.0, 1.0}};
+        points.insert(points.begin() + place, {notANumber, 5.0});
+        PolygonROI roi = Polygon(points);
+        ExpectBox(roi, 1, 1, 10, 10);
+    }
 }
 
 TEST(PolygonRoi, TheArrayFormClosesAndTheVectorFormTrusts)

@@ -12,6 +12,12 @@ namespace
 using namespace Zvl;
 using Point = Point2d<double>;
 
+int IsPointInPolygon(const Point2d<double>& p, const std::vector<Point2d<double>>& points)
+{
+    Intersections intersections;
+    return Zvl::IsPointInPolygon(p, points, intersections);
+}
+
 constexpr double kTolerance = kGeometricTolerance;
 const Line kOblique = {{1.0, 2.0}, {0.6, 0.8}};
 

@@ -170,6 +170,9 @@ protected:
     int _IsPointInRegion(const qPoint64f& point) const override;
 
     std::vector<Point2d<double>> polygonPoints; ///< the vertices
+
+private:
+    mutable std::vector<double> crossings; ///< of the last point's ray; its memory serves the next one
 };
 
 /** A rectangle. When its angle is 2 to the power -23 or less in magnitude, all of its edges belong to it; otherwise it
@@ -267,7 +270,7 @@ public:
     MaskType GetShapeType() const override;
 
     /** Applies each member in order and unites their masks. The members test the profile, each against its own frame;
-     *  when one throws, those before it keep their new masks, and the next GetMask() unites what there is then. */
+     *  when one throws, those before it keep their new masks, and the union stays that of before. */
     void ApplyRoi(const Profile& profile) override;
 
     /** 1 while the segment holds the present shape and that of every member is valid. */
