@@ -4,6 +4,8 @@
 #include "Common/Check.h"
 #include "Common/Rounding.h"
 
+#include <algorithm>
+
 namespace Zvl
 {
 
@@ -32,6 +34,31 @@ HeightRange PackAsTheyAre(const Cells<std::int32_t>& heights, const Cells<std::i
     return range;
 }
 
+/** The choice is made by a difference in 32 bits, which wraps around where the frames of the sources lie very far apart. */
+bool IsNarrow(const HeightRange& range)
+{
+    const auto difference = static_cast<std::int32_t>(static_cast<std::uint32_t>(range.maximum) -
+                                                      static_cast<std::uint32_t>(range.minimum));
+    return difference <= 65535;
+}
+
+/** Heights of a difference that wraps around are shifted like others, and all but those at the middle are clamped. */
+void ShiftApart(const Cells<std::int32_t>& heights, const GridSize& size, int shift, const Cells<std::int16_t>& out)
+{
+    ForEachRow(heights, out, size,
+               [shift](const std::int32_t* in, std::int16_t* packed, std::size_t count)
+               {
+                   std::transform(in, in + count, packed,
+                                  [shift](std::int32_t height)
+                                  {
+                                      const std::int64_t moved =
+                                          std::clamp<std::int64_t>(std::int64_t{height} + shift, -32768, 32767);
+                                      return height == GetNull<int>() ? GetNull<short>()
+                                                                      : static_cast<std::int16_t>(moved);
+                                  });
+               });
+}
+
 // Sums and differences of two heights need 33 bits when the frames of the sources lie far apart.
 
 void Shift(const Cells<std::int32_t>& heights, const HeightRange& range, const GridSize& size, Surface& surface16,
@@ -42,6 +69,11 @@ void Shift(const Cells<std::int32_t>& heights, const HeightRange& range, const G
     surface16.offset.z = static_cast<double>(middle) * surface16.scale.z + oldOffset;
     const int shift = TruncateToInt(RoundHalfAway((oldOffset - surface16.offset.z) / surface16.scale.z));
     const std::int64_t base = std::int64_t{range.minimum} + shift;
+    if (std::int64_t{range.maximum} - range.minimum > 65535)
+    {
+        ShiftApart(heights, size, shift, out);
+        return;
+    }
     ForEachRow(heights, out, size,
                [&](const std::int32_t* in, std::int16_t* packed, std::size_t count)
                { PackShifted(in, packed, count, range.minimum, base); });
@@ -85,7 +117,7 @@ Surface ConvertSurface32sTo16s(const Surface& surface)
     {
         return surface16;
     }
-    if (std::int64_t{range.maximum} - range.minimum <= 65535)
+    if (IsNarrow(range))
     {
         Shift(heights, range, size, surface16, out);
     }

@@ -79,7 +79,15 @@ TEST(HeightPacking, SumsOfHeightsBeyond31BitsDoNotOverflow)
 {
     EXPECT_EQ(PackRow({2000000000, 2000000010}, 0.5, 1000000102.5), (Heights{-5, 5}));
     EXPECT_EQ(PackRow({-2147483647, -2147483645}, 0.5, -1073741723.0), (Heights{-1, 1}));
-    EXPECT_EQ(PackRow({2147483647, -2147483647, 0}, 2147483647.0 / 65535.0, 100.0), (Heights{32767, -32767, 0}));
+    EXPECT_EQ(PackRow({1073741823, -1073741824, 0}, 2147483647.0 / 2.0 / 65535.0, 99.75), (Heights{32767, -32767, 0}));
+}
+
+TEST(HeightPacking, ADifferenceThatWrapsAroundIn32BitsCountsAsNarrow)
+{
+    // 2147483647 - -2147483647 is 2^32 - 2, or -2 in 32 bits: shifted about the middle, 0, and clamped.
+    EXPECT_EQ(PackRow({2147483647, -2147483647, 0, kNull32, 7}, 0.5, 100.0), (Heights{32767, -32768, 0, kMissing, 7}));
+    // 2^31, the least difference that wraps around; the middle of 2147450880 and -32768 is 1073709056.
+    EXPECT_EQ(PackRow({2147450880, -32768, 1073709000}, 0.5, 536854628.0), (Heights{32767, -32768, -56}));
 }
 
 TEST(HeightPacking, HeightsWithoutACountInTheNewScaleAreMissing)

@@ -183,7 +183,7 @@ inline Grid<std::int16_t> Pack(const Grid<std::int32_t>& work, double& scale, do
     const double oldScale = scale;
     const double oldOffset = offset;
     const bool fits = minimum >= -32768 && maximum <= 32767;
-    const bool rescales = !fits && maximum - minimum > 65535;
+    const bool rescales = !fits && static_cast<std::int32_t>(static_cast<std::uint32_t>(maximum - minimum)) > 65535;
     double shift = 0.0;
     if (rescales)
     {
