@@ -86,7 +86,7 @@ private:
 
 [[noreturn]] void Fail(int status, const char* message, int line)
 {
-    throw cv::Exception(status, message, kFunction, __FILE__, line);
+    cv::error(status, message, kFunction, __FILE__, line);
 }
 
 /** What the marches need, whatever the type of the image. */
@@ -224,7 +224,7 @@ void CheckDimensions(const cv::Mat& m)
 {
     if (m.dims > 2)
     {
-        throw cv::Exception(cv::Error::StsAssert, "m.dims <= 2", "Zvl::Inpaint", __FILE__, __LINE__);
+        cv::error(cv::Error::StsAssert, "m.dims <= 2", "Zvl::Inpaint", __FILE__, __LINE__);
     }
 }
 
@@ -265,7 +265,7 @@ void Inpaint(cv::Mat& source, cv::Mat& mask, cv::Mat& destination, double range,
     }
     catch (const std::bad_alloc&)
     {
-        throw cv::Exception(cv::Error::StsNoMem, "Memory is exhausted", kFunction, __FILE__, __LINE__);
+        cv::error(cv::Error::StsNoMem, "Memory is exhausted", kFunction, __FILE__, __LINE__);
     }
 }
 

@@ -28,6 +28,10 @@ float EarlierKnown(float timeBefore, std::uint8_t stateBefore, float timeAfter, 
     return std::min(stateBefore == CELL_HOLE ? never : timeBefore, stateAfter == CELL_HOLE ? never : timeAfter);
 }
 
+/** What two holes at a right angle give for the cell between them: a step from #kNever, which no front comes up to that has
+ *  not run over a million cells. */
+constexpr float kBetweenHoles = kNever + 1.0F;
+
 /** When the front outwards arrives at the cell of @p time, beside one that it has reached. It reaches all within twice the
  *  range, so that the time of other cells, which stands for #kNever, is too late to matter. */
 float ArrivalOutside(const float* time, std::ptrdiff_t step)
@@ -51,7 +55,10 @@ float ArrivalAt(const cv::Mat_<std::uint8_t>& f, const cv::Mat_<float>& t, const
     const auto stateStep = static_cast<std::ptrdiff_t>(f.step1());
     const float across = EarlierKnown(time[-1], state[-1], time[1], state[1]);
     const float down = EarlierKnown(time[-timeStep], state[-stateStep], time[timeStep], state[stateStep]);
-    return Solve(across, down);
+    const float arrival = Solve(across, down);
+    const bool isBetweenHoles = (state[-1] == CELL_HOLE || state[1] == CELL_HOLE) &&
+                                (state[-stateStep] == CELL_HOLE || state[stateStep] == CELL_HOLE);
+    return arrival > kBetweenHoles && isBetweenHoles ? kBetweenHoles : arrival;
 }
 
 void MarchOutwards(cv::Mat_<float>& t, CvPriorityQueueFloat& queue)

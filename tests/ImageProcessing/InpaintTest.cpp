@@ -84,6 +84,25 @@ void ExpectError(int status, const char* message, const char* function, Call cal
     }
 }
 
+/** Counts the errors that OpenCV hands to the host's handler. */
+int CountError(int /*status*/, const char* /*function*/, const char* /*message*/, const char* /*file*/, int /*line*/,
+               void* count)
+{
+    ++*static_cast<int*>(count);
+    return 0;
+}
+
+TEST(Inpaint, ErrorsPassTheHandlerThatTheHostHasGivenToOpenCv)
+{
+    int count = 0;
+    cv::redirectError(CountError, &count);
+    const cv::Mat mask = MaskWithBlock(3, 3, {1, 1, 1, 1});
+    EXPECT_THROW(Repaired(mask.clone(), mask, 3.0, 9), cv::Exception);
+    EXPECT_THROW(Repaired(cv::Mat::zeros(3, 3, CV_8UC2), mask, 3.0, 0), cv::Exception);
+    cv::redirectError(nullptr);
+    EXPECT_EQ(count, 2);
+}
+
 /** An image of one level around a hole of a single cell, repaired from the four neighbours of the hole. */
 cv::Mat RepairedLevel(int type, double level, int method)
 {

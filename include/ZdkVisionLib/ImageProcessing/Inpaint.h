@@ -46,8 +46,10 @@ enum InpaintMethod : int
  *   - `cv::Error::StsOutOfRange` when an image has 2^31 - 3 rows or columns or more, or 2^32 cells
  *  @throws cv::Exception with the function name "Zvl::Inpaint": `cv::Error::StsAssert`, "m.dims <= 2", when an image has more
  *          than two dimensions; @p destination is then as it was
- *  @throws cv::Exception `cv::Error::StsNoMem` when memory is exhausted, std::bad_alloc when it does not even suffice for that. When it does not suffice for the
- *          front, nothing is thrown, and @p destination is a copy.
+ *  @throws cv::Exception `cv::Error::StsNoMem` when memory is exhausted, std::bad_alloc when it does not even suffice for
+ *          that. When it does not suffice for the front, nothing is thrown, and @p destination is a copy.
+ *
+ *  Errors are raised by OpenCV's `cv::error`, and so are told to the handler that a host has given to `cv::redirectError`.
  *
  *  With n cells in the holes and around them, time proportional to n (log n + range^2), and some steps for each cell of the
  *  image. Working memory: up to 12 bytes for each cell of the image and 16 for each cell of the holes and their edges, for
