@@ -25,6 +25,21 @@ TEST(Object, CountFollowsShareAndDestroy)
     EXPECT_FALSE(xqCastClass_ObjectIsValid(array));
 }
 
+TEST(Object, AHandleThatCannotReleaseWhatItHoldsTakesNothing)
+{
+    const Handle array = MakeArray1(xxq8u_type, 3);
+    void* dead = DeadHandle();
+    Handle held(dead);
+    EXPECT_STOPPED(held.Reset(array.Get()));
+    EXPECT_EQ(held.Get(), dead);
+    Handle other(array);
+    EXPECT_STOPPED(held = std::move(other));
+    EXPECT_EQ(held.Get(), dead);
+    EXPECT_EQ(other.Get(), array.Get()); // NOLINT(bugprone-use-after-move): it keeps what was not taken
+    EXPECT_EQ(qObject_ShareCount(array), 2);
+    EXPECT_EQ(held.Detach(), dead);
+}
+
 TEST(Object, DestroyingNullSucceeds)
 {
     EXPECT_EQ(xqObject_DestroyImpl(nullptr, 0), STATUS_OK);

@@ -92,29 +92,29 @@ public:
         return *this;
     }
 
-    /** Takes the count of @p other, then releases what this handle held. */
+    /** Releases what this handle held, then takes the count of @p other. When the release fails, both keep what they
+     *  held. */
     // Releasing what it held may report a failure.
     // NOLINTNEXTLINE(performance-noexcept-move-constructor,bugprone-exception-escape)
     Object& operator=(Object&& other)
     {
         if (this != &other)
         {
-            void* old = handle;
+            Test(GiveUp(handle, 1));
             handle = other.handle;
             other.handle = nullptr;
-            Test(GiveUp(old, 1));
         }
         return *this;
     }
 
     ~Object() { Release(); }
 
-    /** Releases what the handle holds and takes over the caller's count of @p raw. */
+    /** Releases what the handle holds and takes over the caller's count of @p raw. When the release fails, the handle
+     *  keeps what it held, and the caller that count. */
     void Reset(void* raw = nullptr)
     {
-        void* old = handle;
+        Test(GiveUp(handle, 0));
         handle = raw;
-        Test(GiveUp(old, 0));
     }
 
     /** The raw handle; no count changes. */
