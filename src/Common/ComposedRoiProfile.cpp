@@ -32,12 +32,11 @@ MaskType ComposedRoiProfile::GetShapeType() const
 void ComposedRoiProfile::ApplyRoi(const Profile& profile)
 {
     _CheckApplyRoiConditions(profile);
-    // Ahead of the members: when one of them throws, the union of the masks before is out of date already.
-    maskValid = 0;
     for (const std::shared_ptr<RoiProfile>& member : rois)
     {
         member->ApplyRoi(profile);
     }
+    maskValid = 0;
     GetMask();
 }
 

@@ -69,13 +69,13 @@ void RLEToMask(qArrayList runs, qArray2* mask, Rect2d<int>* rect, void* allocato
     {
         return;
     }
-    ZVL_REQUIRE(kFunction,
-                xqCastClass_ObjectIs(runs, xxqArrayList_type) && qType_Size(qArrayList_Type(runs)) == sizeof(Run));
+    ZVL_REQUIRE(kFunction, xqCastClass_ObjectIs(runs, xxqArrayList_type));
     const std::size_t count = qArrayList_Count(runs);
     if (count == 0)
     {
         return;
     }
+    ZVL_REQUIRE(kFunction, qType_Size(qArrayList_Type(runs)) == sizeof(Run));
     const auto* records = static_cast<const unsigned char*>(qArrayList_Data(runs));
     const Rect2d<int> box = BoxOf(records, count);
     if (rect != nullptr)

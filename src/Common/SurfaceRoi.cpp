@@ -9,6 +9,7 @@
 #include "Common/RowShare.h"
 
 #include <cmath>
+#include <optional>
 
 namespace Zvl
 {
@@ -62,24 +63,21 @@ int CellsLeft(std::uint64_t frame, int position, std::size_t reference, int refe
     return static_cast<int>(static_cast<std::uint32_t>(std::min(ofFrame, ofReference)));
 }
 
-/** Rows and columns of layer @p index of @p surface, when it holds cells of type `T`; otherwise none. */
+/** Rows and columns of layer @p index of @p surface, when it holds cells of type `T`. */
 template <typename T>
-Rect2d<int> SizeOfLayer(const Surface& surface, std::size_t index)
+std::optional<Rect2d<int>> SizeOfLayer(const Surface& surface, std::size_t index)
 {
     const Cells<const T> cells = CellsOf<const T>(LayerOf(surface, index));
-    return {0, 0, ClampToInt(cells.columns), ClampToInt(cells.rows)};
+    return cells.present ? std::optional(Rect2d<int>{0, 0, ClampToInt(cells.columns), ClampToInt(cells.rows)})
+                         : std::nullopt;
 }
 
 /** The size that a region of type @p type takes its box from: that of the heights, or that of the intensities when there
  *  are heights as well. */
-Rect2d<int> ReferenceSize(const Surface& surface, MaskType type)
+std::optional<Rect2d<int>> ReferenceSize(const Surface& surface, MaskType type)
 {
-    const Rect2d<int> heights = SizeOfLayer<std::int16_t>(surface, 0);
-    if (type != MaskTypeIntensity || heights.width == 0 || heights.height == 0)
-    {
-        return heights;
-    }
-    return SizeOfLayer<std::uint8_t>(surface, 1);
+    const std::optional<Rect2d<int>> heights = SizeOfLayer<std::int16_t>(surface, 0);
+    return heights.has_value() && type == MaskTypeIntensity ? SizeOfLayer<std::uint8_t>(surface, 1) : heights;
 }
 
 } // namespace
@@ -127,11 +125,12 @@ void SurfaceROI::_CalculateBoundingBox()
     _InitializeBoundingBox();
     const bool sameScale = std::fabs(scale.x - surface.scale.x) < kGeometricTolerance &&
                            std::fabs(scale.y - surface.scale.y) < kGeometricTolerance;
-    const Rect2d<int> reference = ReferenceSize(surface, GetShapeType());
-    if (!sameScale || reference.width == 0 || reference.height == 0)
+    const std::optional<Rect2d<int>> size = ReferenceSize(surface, GetShapeType());
+    if (!sameScale || !size.has_value())
     {
         return;
     }
+    const Rect2d<int>& reference = *size;
     qPoint32s origin;
     if (!NearestCell(surface.offset.x - offset.x, scale.x, origin.x) ||
         !NearestCell(surface.offset.y - offset.y, scale.y, origin.y))

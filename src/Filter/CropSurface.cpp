@@ -83,9 +83,10 @@ void CropSurfaceFromROI(const Surface& surface, Rect2d<int> rect, Zo::Object<voi
     const ArraySize size = {qArray2_Length(heights, 0), qArray2_Length(heights, 1)};
     const Cells<const std::uint8_t> intensities = CellsOf<const std::uint8_t>(second);
     const bool isEmpty = rect.width < 1 || rect.height < 1;
-    ZVL_REQUIRE(kFunction, isEmpty || size.Contains(rect));
-    ZVL_REQUIRE(kFunction,
-                !intensities.present || (intensities.rows == size.rows && intensities.columns == size.columns));
+    const bool isCropped = !isEmpty && qArray2_Type(heights) == xxq16s_type;
+    ZVL_REQUIRE(kFunction, !isCropped || size.Contains(rect));
+    ZVL_REQUIRE(kFunction, !isCropped || !intensities.present ||
+                               (intensities.rows == size.rows && intensities.columns == size.columns));
 
     const qPoint3d64f offset = {rect.x * surface.scale.x + surface.offset.x,
                                 rect.y * surface.scale.y + surface.offset.y, surface.offset.z};
@@ -96,7 +97,7 @@ void CropSurfaceFromROI(const Surface& surface, Rect2d<int> rect, Zo::Object<voi
     {
         ZVL_THROW(kFunction, STATUS_OK);
     }
-    if (qArray2_Type(heights) != xxq16s_type)
+    if (!isCropped)
     {
         ZVL_THROW(kFunction, STATUS_NOT_SUPPORTED);
     }

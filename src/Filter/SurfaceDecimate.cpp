@@ -4,6 +4,8 @@
 #include "Common/Rounding.h"
 #include "Filter/SurfaceDecimateRows.h"
 
+#include <cmath>
+
 namespace Zvl
 {
 
@@ -17,7 +19,11 @@ bool HasZero(Point2d<std::size_t> size)
     return size.x == 0 || size.y == 0;
 }
 
-/** False also for what is not a number. */
+bool IsNumber(Point2d<double> ratio)
+{
+    return !std::isnan(ratio.x) && !std::isnan(ratio.y);
+}
+
 bool IsUsable(Point2d<double> ratio)
 {
     return ratio.x > 0.0 && ratio.y > 0.0;
@@ -75,7 +81,7 @@ void SetFrame(const Surface& surface, Point2d<double> step, Surface& outSurface)
 
 Surface SurfaceDecimate(const Surface& surface, Point2d<std::size_t> outSize, Point2d<double> ratio, void* alloc)
 {
-    ZVL_REQUIRE(kFunction, !HasZero(outSize) || IsUsable(ratio));
+    ZVL_REQUIRE(kFunction, IsNumber(ratio) && (!HasZero(outSize) || IsUsable(ratio)));
     Surface outSurface;
     if (surface.layers.empty())
     {

@@ -15,10 +15,10 @@ namespace
 
 constexpr const char* kFunction = "Zvl::SurfaceFillGapXY";
 
-/** False also for what is not a number. */
+/** True also for what is not a number, which limits nothing. */
 bool IsSlope(double degrees)
 {
-    return degrees >= 0.0 && degrees < 90.0;
+    return !(degrees < 0.0) && !(degrees >= 90.0);
 }
 
 std::int64_t GapInCells(double maxGap, double resolution)

@@ -339,4 +339,19 @@ TEST_P(ComposedMasks, AgreeWithTheUnionOfTheCells)
 
 INSTANTIATE_TEST_SUITE_P(Workers, ComposedMasks, testing::Values(1, 2, 3, 8, 17));
 
+/** A host's own composition that does not pass for one. */
+class Disguised : public ComposedROI
+{
+public:
+    Disguised() : ComposedROI(nullptr) {}
+    MaskType GetShapeType() const override { return MaskTypePolygon; }
+};
+
+TEST(ComposedRoi, WhatDoesNotSayThatItIsComposedIsAMember)
+{
+    ComposedROI composed(nullptr);
+    composed.Add(std::make_shared<Disguised>());
+    EXPECT_EQ(composed.GetRoiCount(), 1U);
+}
+
 } // namespace

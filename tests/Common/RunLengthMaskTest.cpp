@@ -118,10 +118,21 @@ TEST(RunLengthMask, TheLargestBoxIsToldButHasNoMask)
     EXPECT_EQ(mask, nullptr);
 }
 
+TEST(RunLengthMask, AnEmptyListOfWhateverChangesNothing)
+{
+    Zo::Object<void*> pairs;
+    Zo::Test(qArrayList_Construct(pairs.Slot(), xxqPoint32s_type, 1, nullptr));
+    Rect2d<int> rect = {1, 2, 3, 4};
+    RLEToMask(pairs, nullptr, &rect, nullptr);
+    EXPECT_TRUE(rect.x == 1 && rect.y == 2 && rect.width == 3 && rect.height == 4);
+}
+
 TEST(RunLengthMask, OtherListsAreRefused)
 {
     Zo::Object<void*> pairs;
     Zo::Test(qArrayList_Construct(pairs.Slot(), xxqPoint32s_type, 1, nullptr));
+    const qPoint32s pair = {1, 2};
+    Zo::Test(qArrayList_Add(pairs, &pair));
     const Zo::Object<void*> array = TestSupport::MakeFilled<std::uint8_t>(1, 12, 0);
     Rect2d<int> rect;
     ExpectThrow(STATUS_BAD_PARAMETER, kFunction, [&] { RLEToMask(pairs, nullptr, &rect, nullptr); });

@@ -134,6 +134,19 @@ TEST(SurfaceRoi, MissingAndForeignLayersSelectNothing)
     EXPECT_EQ(Picture(empty), "null");
 }
 
+TEST(SurfaceRoi, AReferenceWithoutRowsOrColumnsStillHasAPlace)
+{
+    Surface reference;
+    reference.scale = {1.0, 1.0, 1.0};
+    reference.offset = {3.0, 2.0, 0.0};
+    reference.layers.push_back(MakeFilled<std::int16_t>(4, 0, 1));
+    SurfaceROI region(reference, 20, 20, kUnitScale, kNoOffset, nullptr);
+    ExpectBox(region, 3, 2, 0, 4);
+    const Region2d<double> world = region.GetBoundingRegion();
+    EXPECT_TRUE(world.x == 3.0 && world.y == 2.0 && world.width == 0.0 && world.height == 4.0);
+    EXPECT_EQ(Picture(region), "null");
+}
+
 TEST(SurfaceRoi, WithoutAFrameTheMappingIsRefused)
 {
     const qPoint64f null = {TestSupport::kNull, TestSupport::kNull};

@@ -117,6 +117,12 @@ TEST(CropSurfaceFromROI, HeightsOfAnotherTypeAreNotSupported)
                 });
     EXPECT_TRUE(cropped.layers.empty());
     EXPECT_EQ(cropped.offset.x, 1.5);
+    // Whatever else would not fit.
+    ExpectThrow(STATUS_NOT_SUPPORTED, kFunction,
+                [&] {
+                    CropSurfaceFromROI(surface, {8, 1, 3, 2}, MakeFilled<std::uint8_t>(2, 3, 1), cropped, nullptr);
+                });
+    EXPECT_EQ(cropped.offset.x, 5.0);
 }
 
 TEST(CropSurfaceFromROI, EveryShortageOfMemoryIsThrown)

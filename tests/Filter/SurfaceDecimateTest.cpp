@@ -115,7 +115,7 @@ TEST(SurfaceDecimate, OneComponentThatIsMissingCallsForTheOtherArgument)
     EXPECT_EQ(Decimated(map, {}, {0, 2}, {0.5, 0.5}), byRatio);
     EXPECT_EQ(Decimated(map, {}, {4, 0}, {0.5, 0.5}), byRatio);
     const CoarseMap bySize = {2, 1, {4, 5}, {}};
-    for (const Ratio ratio : {Ratio{0.5, 0.0}, Ratio{0.0, 0.5}, Ratio{-0.5, 0.5}, Ratio{kNoNumber, 0.5}})
+    for (const Ratio ratio : {Ratio{0.5, 0.0}, Ratio{0.0, 0.5}, Ratio{-0.5, 0.5}, Ratio{-kInfinity, 0.5}})
     {
         EXPECT_EQ(Decimated(map, {}, {1, 2}, ratio), bySize);
     }
@@ -187,6 +187,16 @@ TEST(SurfaceDecimate, NeedsASizeOrARatio)
         {
             ExpectRefused(surface, size, ratio);
         }
+    }
+}
+
+TEST(SurfaceDecimate, RefusesARatioThatIsNoNumberBesideAnySize)
+{
+    const Surface surface = SurfaceOf({2, 2, {1, 2, 3, 4}}, {});
+    for (const Ratio ratio : {Ratio{kNoNumber, 0.5}, Ratio{0.5, kNoNumber}, Ratio{kNoNumber, 0.0}})
+    {
+        ExpectRefused(surface, {1, 1}, ratio);
+        ExpectRefused(Surface(), {1, 1}, ratio);
     }
 }
 

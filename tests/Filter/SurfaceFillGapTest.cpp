@@ -408,7 +408,7 @@ TEST(SurfaceFillGapXY, TakesSlopesFromLevelToBelowUpright)
     for (const double gap : {0.0, 2.0})
     {
         SurfaceFillGapParams params = Params(gap, gap, 0.0);
-        for (const double slope : {-1e-9, -45.0, 90.0, 135.0, kInfinity, -kInfinity, kNoNumber})
+        for (const double slope : {-1e-9, -45.0, 90.0, 135.0, kInfinity, -kInfinity})
         {
             params.maxSlopeX = slope;
             ExpectRefused(params, heights, Zo::Object<void*>());
@@ -423,6 +423,14 @@ TEST(SurfaceFillGapXY, TakesSlopesFromLevelToBelowUpright)
             EXPECT_EQ(Filled(params, Row({3, M, 3})).heights[2], 3);
         }
     }
+}
+
+TEST(SurfaceFillGapXY, ASlopeThatIsNoNumberLimitsNothing)
+{
+    SurfaceFillGapParams params = Params(5.0, 0.0, 0.0);
+    EXPECT_EQ(Filled(params, Row({0, M, M, 9})).heights, (Heights{0, 0, 0, 9})); // level: the lower end
+    params.maxSlopeX = kNoNumber;
+    EXPECT_EQ(Filled(params, Row({0, M, M, 9})).heights, (Heights{0, 3, 6, 9}));
 }
 
 TEST(SurfaceFillGapXY, NoLimitTouchesAHeight)

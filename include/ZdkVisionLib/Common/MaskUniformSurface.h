@@ -50,7 +50,7 @@ public:
     /** An independent region of the same shape and frame, with empty caches. */
     virtual std::shared_ptr<ROI> DeepCopy() const = 0;
 
-    /** The box in cells of the frame, clipped to it.
+    /** The box in cells of the frame, clipped to it; that of a SurfaceROI may lie beside it.
      *  @throws Zo::Exception #STATUS_BAD_PARAMETER when the frame was never set */
     const Rect2d<int>& GetBoundingBox();
 
@@ -108,9 +108,9 @@ public:
     SingleROI(std::uint64_t frameWidth, std::uint64_t frameHeight, const qPoint64f& scale, const qPoint64f& offset,
               void* allocator);
     SingleROI(const SingleROI&) = default;            ///< shares the mask's cells
-    SingleROI(SingleROI&&) = default;                 ///< takes the mask
+    SingleROI(SingleROI&&) = default;                 ///< takes the shape, and shares the mask's cells
     SingleROI& operator=(const SingleROI&) = default; ///< shares the mask's cells
-    SingleROI& operator=(SingleROI&&) = default;      ///< takes the mask
+    SingleROI& operator=(SingleROI&&) = default;      ///< takes the shape, and shares the mask's cells
 
     void SetFrame(const std::uint64_t& width, const std::uint64_t& height); ///< columns and rows of the frame
     void SetFrameWidth(const std::uint64_t& width);                         ///< columns of the frame
@@ -287,10 +287,10 @@ private:
  *  origin is snapped to the frame's grid, half cells away from zero, and both the frame and the reference bound the box.
  *  Cells of the box that have no cell of the reference under them are outside. There are such cells when the reference
  *  lies wholly left of the frame or above it: the reference then bounds that axis no longer, and the box is as wide or as
- *  high as the frame.
+ *  high as the frame. Wholly right of the frame or below it, the box is the reference's own, beside the frame.
  *
  *  The region is empty when the reference's cells differ in size from the frame's by 2 to the power -23 or more, when a
- *  layer that it needs is missing, empty or of another type, or when the origins are more cells apart than an `int` can
+ *  layer that it needs is missing or of another type, or when the origins are more cells apart than an `int` can
  *  tell. The reference's arrays are shared, not copied. */
 class ZDK_VISION_EXPORT SurfaceROI : public SingleROI
 {

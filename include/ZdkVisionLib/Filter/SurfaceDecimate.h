@@ -24,7 +24,6 @@ namespace Zvl
  *  | not 0     | above 0     | of both as they are: it may end inside the old one, or reach beyond it and be missing |
  *
  *  where one component is enough for "a 0 in it" and "not above 0", and both components of the other argument are used.
- *  A ratio that is not a number is not above 0.
  *
  *  The new scale and offset keep each cell's position at the centre of the rectangle that it covers.
  *
@@ -34,8 +33,8 @@ namespace Zvl
  *  @param ratio new cells per old cell along a row (x) and a column (y)
  *  @param alloc allocator of the new layers and of working memory; null is the platform's default
  *  @throws Zo::Exception
- *   - #STATUS_BAD_PARAMETER when neither @p outSize nor @p ratio can be used, a layer is not as above, @p surface has
- *     no rows or columns, or the new size has a 0 in it
+ *   - #STATUS_BAD_PARAMETER when neither @p outSize nor @p ratio can be used, @p ratio is not a number, a layer is not
+ *     as above, @p surface has no rows or columns, or the new size has a 0 in it
  *   - the platform's status when memory runs out
  *
  *  One pass over @p surface on the calling thread; working memory of some rows. The result is the same bits as that of

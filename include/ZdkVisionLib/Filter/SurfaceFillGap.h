@@ -50,7 +50,7 @@ struct SurfaceFillGapParams
  *  @param alloc allocator of the results and of working memory; null is the platform's default
  *  @throws Zo::Exception, with both results as they were:
  *   - #STATUS_BAD_PARAMETER when an array is not as above (without any gap to close, intensities of another size are
- *     copied like others), or a slope is not in its range
+ *     copied like others), or a slope is not in its range; one that is not a number limits nothing
  *   - the platform's status when memory runs out
  *
  *  Linear time in the cells, with constant work for each row or column end of a gap; memory for the results, and for
