@@ -354,7 +354,7 @@ ZDK_PLATFORM_EXPORT qStatus qSerializer_BeginWrite(qSerializer serializer, qType
 ZDK_PLATFORM_EXPORT qStatus qSerializer_EndWrite(qSerializer serializer);
 
 /** Opens a block for reading; #STATUS_END_OF_STREAM when its length is not there, #STATUS_BAD_DATA when the length is
- *  impossible. A length that points past the end of the stream, or of the enclosing block, is none too many: the block
+ *  impossible. A length that points past the end of the stream, or of the enclosing block, is no failure: the block
  *  ends there, and the first value that runs past the end fails. */
 ZDK_PLATFORM_EXPORT qStatus qSerializer_BeginRead(qSerializer serializer, qType sizeType, int includeSize);
 
