@@ -1,6 +1,7 @@
 #include <ZdkVisionLib/Alignment/RefFrame.h>
 
 #include "Common/Check.h"
+#include "Utils/MeanOfPoints.h"
 
 #include <opencv2/core.hpp>
 
@@ -9,18 +10,6 @@ namespace Zvl
 
 namespace
 {
-
-qPoint64f Centroid(const std::vector<qPoint64f>& points)
-{
-    qPoint64f sum = {0.0, 0.0};
-    for (const qPoint64f& point : points)
-    {
-        sum.x += point.x;
-        sum.y += point.y;
-    }
-    const auto count = static_cast<double>(points.size());
-    return {sum.x / count, sum.y / count};
-}
 
 /** The sum of the outer products of paired points about their centroids. */
 cv::Mat Covariance(const std::vector<qPoint64f>& a, const qPoint64f& centroidA, const std::vector<qPoint64f>& b,
@@ -63,8 +52,8 @@ void RefFrame::SetFrame(const std::vector<qPoint64f>& a, const std::vector<qPoin
         ZVL_THROW("Zvl::RefFrame::SetFrame", STATUS_BAD_DATA);
     }
     SetIdentity();
-    const qPoint64f centroidA = Centroid(a);
-    const qPoint64f centroidB = Centroid(b);
+    const qPoint64f centroidA = MeanOfPoints(a);
+    const qPoint64f centroidB = MeanOfPoints(b);
     const cv::Mat rotation = ProperRotation(Covariance(a, centroidA, b, centroidB));
     i.x = rotation.at<double>(0, 0);
     j.x = rotation.at<double>(0, 1);

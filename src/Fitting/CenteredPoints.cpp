@@ -1,20 +1,18 @@
 #include "Fitting/CenteredPoints.h"
 
+#include "Utils/MeanOfPoints.h"
+
 #include <algorithm>
 
 namespace Zvl
 {
 
 CenteredPoints::CenteredPoints(const qPoint64f* points, std::size_t pointCount)
-    : count(pointCount), x((pointCount + kBlock - 1) / kBlock * kBlock, kRemoved), y(x)
+    : count(pointCount),
+      centroid(MeanOfPoints({points, pointCount})),
+      x((pointCount + kBlock - 1) / kBlock * kBlock, kRemoved),
+      y(x)
 {
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        centroid.x += points[i].x;
-        centroid.y += points[i].y;
-    }
-    centroid.x /= static_cast<double>(count);
-    centroid.y /= static_cast<double>(count);
     for (std::size_t i = 0; i < count; ++i)
     {
         x[i] = points[i].x - centroid.x;

@@ -74,7 +74,7 @@ private:
     std::size_t FirstKept() const;
 
     std::size_t count;
-    qPoint64f centroid{0.0, 0.0};
+    qPoint64f centroid;
     std::vector<double> x;
     std::vector<double> y;
 };

@@ -1,5 +1,7 @@
 #include "Fitting/CircleAlgebraic.h"
 
+#include "Utils/MeanOfPoints.h"
+
 #include <cmath>
 
 namespace Zvl
@@ -20,18 +22,6 @@ struct Moments
     double yz = 0.0;
     double zz = 0.0;
 };
-
-qPoint64f CentroidOf(const qPoint64f* points, std::size_t count)
-{
-    qPoint64f sum{0.0, 0.0};
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        sum.x += points[i].x;
-        sum.y += points[i].y;
-    }
-    const auto n = static_cast<double>(count);
-    return {sum.x / n, sum.y / n};
-}
 
 Moments MomentsAbout(const qPoint64f& centroid, const qPoint64f* points, std::size_t count)
 {
@@ -88,7 +78,7 @@ double LeastRoot(const Moments& m)
 
 void FitCircleAlgebraic(const qPoint64f* points, std::size_t count, qPoint64f* center, double* radius)
 {
-    const qPoint64f centroid = CentroidOf(points, count);
+    const qPoint64f centroid = MeanOfPoints({points, count});
     const Moments m = MomentsAbout(centroid, points, count);
     const double z = m.xx + m.yy;
     const double covariance = m.xx * m.yy - m.xy * m.xy;

@@ -4,8 +4,10 @@
 #include "Fitting/CircleAroundFew.h"
 #include "Fitting/OuterPoints.h"
 #include "Fitting/ZoneOutputs.h"
+#include "Utils/MeanOfPoints.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Zvl
 {
@@ -83,34 +85,36 @@ EnclosingCircle EncloseByAll(std::span<const qPoint64f> points, const qPoint64f&
     return {FirstThree(circle.tempControlPoints), *nearest};
 }
 
-qPoint64f MeanOf(std::span<const qPoint64f> points)
+/** True when no coordinate can be other than IsUsable() wants it: all points are as near to the places that groups look
+ *  from as the outermost ones, and a coordinate that is not a number would leave no mean.
+ *  @param outer as OutermostPoints() gives them */
+bool AreSurelyUsable(std::span<const DistPoint> outer, const qPoint64f& mean)
 {
-    qPoint64f sum = {0.0, 0.0};
-    for (const qPoint64f& point : points)
-    {
-        sum.x += point.x;
-        sum.y += point.y;
-    }
-    const auto count = static_cast<double>(points.size());
-    return {sum.x / count, sum.y / count};
+    constexpr double kLargest = kVoronoiLargestCoordinate / 10.0;
+    constexpr double kLargestSquare = kLargest * kLargest / 100.0;
+    return mean.x == mean.x && mean.y == mean.y &&
+           std::all_of(outer.begin(), outer.end(),
+                       [](const DistPoint& item) {
+                           return std::fabs(item.point.x) <= kLargest && std::fabs(item.point.y) <= kLargest &&
+                                  item.value <= kLargestSquare;
+                       });
 }
 
 /** @throws Zo::Exception #STATUS_BAD_DATA when a coordinate is not a number or too large */
 EnclosingCircle Enclose(std::span<const qPoint64f> points, bool wantsNearest)
 {
+    const qPoint64f mean = MeanOfPoints(points);
     if (points.size() < kManyPoints)
     {
         RequireUsablePoints(kFunction, points.data(), points.size());
-        return EncloseByAll(points, MeanOf(points));
+        return EncloseByAll(points, mean);
     }
-    GroupedPoints grouped = SumInGroups(points);
-    if (!grouped.areUsable)
+    std::vector<DistPoint> outer = OutermostPoints(points);
+    if (!AreSurelyUsable(outer, mean))
     {
-        ZVL_THROW(kFunction, STATUS_BAD_DATA);
+        RequireUsablePoints(kFunction, points.data(), points.size());
     }
-    const auto count = static_cast<double>(points.size());
-    const qPoint64f mean = {grouped.sum.x / count, grouped.sum.y / count};
-    if (auto circle = EncloseByFew(points, mean, std::move(grouped.farthest), wantsNearest))
+    if (auto circle = EncloseByFew(points, mean, std::move(outer), wantsNearest))
     {
         return std::move(*circle);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <limits>
 
@@ -24,30 +25,40 @@ using Vector = hn::Vec<Reals>;
 
 constexpr std::size_t kGroups = 48; // enough to show every side, and few for steps around them
 
-/** The coordinates of as many points as a vector holds, and the squares of their distances from a centre. */
-struct Measured
+/** The coordinates of points in the lanes. */
+struct Coordinates
 {
     Vector x;
     Vector y;
-    Vector square;
 };
 
-HWY_INLINE Measured Measure(const qPoint64f* points, const Vector& centerX, const Vector& centerY)
+HWY_INLINE Coordinates LoadInOrder(const qPoint64f* points)
 {
-    Measured measured;
-    hn::LoadInterleaved2(Reals(), &points->x, measured.x, measured.y);
-    const auto x = hn::Sub(measured.x, centerX);
-    const auto y = hn::Sub(measured.y, centerY);
-    measured.square = hn::Add(hn::Mul(x, x), hn::Mul(y, y));
-    return measured;
+    Coordinates coordinates;
+    hn::LoadInterleaved2(Reals(), &points->x, coordinates.x, coordinates.y);
+    return coordinates;
 }
 
-/** A place for each lane. */
-struct Places
+/** As LoadInOrder(), but with the points in whatever lanes they get to soonest. */
+HWY_INLINE Coordinates LoadUnordered(const qPoint64f* points)
 {
-    Vector x;
-    Vector y;
-};
+#if HWY_TARGET == HWY_SCALAR
+    return LoadInOrder(points);
+#else
+    const Reals d;
+    const auto first = hn::LoadU(d, &points->x);
+    const auto second = hn::LoadU(d, &points->x + hn::Lanes(d));
+    return {hn::InterleaveLower(d, first, second), hn::InterleaveUpper(d, first, second)};
+#endif
+}
+
+/** The squares of the distances from centres. */
+HWY_INLINE Vector SquaresFrom(const Coordinates& points, const Vector& centerX, const Vector& centerY)
+{
+    const auto x = hn::Sub(points.x, centerX);
+    const auto y = hn::Sub(points.y, centerY);
+    return hn::Add(hn::Mul(x, x), hn::Mul(y, y));
+}
 
 /** Places on a circle, a golden angle from one lane to the next, and from the last lane to the first of the next vector, so
  *  that they are spread evenly however many there are. */
@@ -73,9 +84,9 @@ public:
         sine = hn::Set(d, direction.y);
     }
 
-    Places Next()
+    Coordinates Next()
     {
-        const Places places = {hn::Add(middleX, offsetX), hn::Add(middleY, offsetY)};
+        const Coordinates places = {hn::Add(middleX, offsetX), hn::Add(middleY, offsetY)};
         const auto turnedX = hn::Sub(hn::Mul(cosine, offsetX), hn::Mul(sine, offsetY));
         offsetY = hn::Add(hn::Mul(sine, offsetX), hn::Mul(cosine, offsetY));
         offsetX = turnedX;
@@ -92,74 +103,49 @@ private:
     Vector sine;
 };
 
-/** True for each lane of points with coordinates as IsUsable() wants them. */
-HWY_INLINE hn::Mask<Reals> AreUsable(const Vector& x, const Vector& y, const Vector& largest)
-{
-    return hn::And(hn::Le(hn::Abs(x), largest), hn::Le(hn::Abs(y), largest));
-}
-
-/** Adds the points of a vector one after the other. */
-HWY_INLINE void AddInOrder(const qPoint64f* points, qPoint64f& sum)
-{
-    for (std::size_t lane = 0; lane < hn::Lanes(Reals()); ++lane)
-    {
-        sum.x += points[lane].x;
-        sum.y += points[lane].y;
-    }
-}
-
 /** A group is what passes through one lane of a stretch of vectors. Each looks from a place of its own at a distance of
  *  @p offset from @p middle, and so at another side of the points.
- *
- *  Each addition to the sum waits some cycles for the one before. The groups need no sum, and fill that time.
- *  @param grouped gets the sum, whether all are usable, and the farthest points; it has room for each lane of each stretch
- *  @return the number of points in whole vectors; the others are in no group and in no sum */
+ *  @param farthest gets the farthest point of each group; it has room for each lane of each stretch
+ *  @return the number of points in whole vectors; the others are in no group */
 std::size_t GroupWholeVectors(std::span<const qPoint64f> points, const qPoint64f& middle, double offset,
-                              GroupedPoints& grouped, std::size_t& groups)
+                              DistPoint* farthest, std::size_t& groups)
 {
     const Reals d;
     const std::size_t lanes = hn::Lanes(d);
     const std::size_t whole = points.size() / lanes * lanes;
     const std::size_t stretch = (whole + kGroups - 1) / kGroups * lanes; // so that there are no more than kGroups lanes
-    const auto largest = hn::Set(d, kVoronoiLargestCoordinate);
     PlacesAround around(middle, offset);
-    auto areUsable = hn::Eq(largest, largest);
-    qPoint64f sum = {0.0, 0.0};
     groups = 0;
     for (std::size_t begin = 0; begin < whole; begin += stretch)
     {
-        const Places places = around.Next();
-        Measured best = {places.x, places.y, hn::Set(d, -1.0)};
+        const Coordinates places = around.Next();
+        Coordinates best = places;
+        auto bestSquares = hn::Set(d, -1.0);
         const std::size_t end = std::min(begin + stretch, whole);
         for (std::size_t i = begin; i < end; i += lanes)
         {
-            AddInOrder(&points[i], sum);
-            const Measured next = Measure(&points[i], places.x, places.y);
-            areUsable = hn::And(areUsable, AreUsable(next.x, next.y, largest));
-            const auto isFarther = hn::Gt(next.square, best.square);
-            best.x = hn::IfThenElse(isFarther, next.x, best.x);
-            best.y = hn::IfThenElse(isFarther, next.y, best.y);
-            best.square = hn::IfThenElse(isFarther, next.square, best.square);
+            const Coordinates next = LoadUnordered(&points[i]);
+            const auto squares = SquaresFrom(next, places.x, places.y);
+            const auto areFarther = hn::Gt(squares, bestSquares);
+            best.x = hn::IfThenElse(areFarther, next.x, best.x);
+            best.y = hn::IfThenElse(areFarther, next.y, best.y);
+            bestSquares = hn::Max(bestSquares, squares); // sooner known than by a choice
         }
-        hn::StoreInterleaved3(best.x, best.y, best.square, d, &grouped.farthest[groups].point.x);
+        hn::StoreInterleaved3(best.x, best.y, bestSquares, d, &farthest[groups].point.x);
         groups += lanes;
     }
-    grouped.sum = sum;
-    grouped.areUsable = hn::AllTrue(d, areUsable);
     return whole;
 }
 
 /** True for each lane at or beyond the square of one of the bounds. */
-HWY_INLINE hn::Mask<Reals> AreBeyond(const Vector& x, const Vector& y, std::span<const DistPoint> bounds)
+HWY_INLINE hn::Mask<Reals> AreBeyond(const Coordinates& points, std::span<const DistPoint> bounds)
 {
     const Reals d;
-    auto areBeyond = hn::Ne(x, x);
+    auto areBeyond = hn::Ne(points.x, points.x);
     for (const DistPoint& bound : bounds)
     {
-        const auto fromX = hn::Sub(x, hn::Set(d, bound.point.x));
-        const auto fromY = hn::Sub(y, hn::Set(d, bound.point.y));
-        const auto square = hn::Add(hn::Mul(fromX, fromX), hn::Mul(fromY, fromY));
-        areBeyond = hn::Or(areBeyond, hn::Ge(square, hn::Set(d, bound.value)));
+        const auto squares = SquaresFrom(points, hn::Set(d, bound.point.x), hn::Set(d, bound.point.y));
+        areBeyond = hn::Or(areBeyond, hn::Ge(squares, hn::Set(d, bound.value)));
     }
     return areBeyond;
 }
@@ -181,18 +167,15 @@ std::size_t SelectWholeVectors(std::span<const qPoint64f> points, const DistPoin
     found = 0;
     for (std::size_t i = 0; i < whole; i += lanes)
     {
-        const Measured measured = Measure(&points[i], coreX, coreY);
-        if (hn::AllFalse(d, hn::Ge(measured.square, coreSquare)))
+        const auto squares = SquaresFrom(LoadUnordered(&points[i]), coreX, coreY);
+        if (hn::AllFalse(d, hn::Ge(squares, coreSquare)))
         {
             continue;
         }
-        hn::StoreMaskBits(d, AreBeyond(measured.x, measured.y, bounds), bits);
-        for (std::size_t lane = 0; lane < lanes; ++lane)
+        hn::StoreMaskBits(d, AreBeyond(LoadInOrder(&points[i]), bounds), bits);
+        for (unsigned rest = bits[0]; rest != 0; rest &= rest - 1)
         {
-            if ((bits[0] >> lane & 1) != 0)
-            {
-                beyond[found++] = {points[i + lane], 0.0};
-            }
+            beyond[found++] = {points[i + static_cast<std::size_t>(std::countr_zero(rest))], 0.0};
         }
     }
     return whole;
@@ -211,7 +194,7 @@ std::size_t SmallestOfWholeVectors(const qPoint64f* points, std::size_t count, c
     auto least = hn::Set(d, std::numeric_limits<double>::infinity());
     for (std::size_t i = 0; i < whole; i += lanes)
     {
-        least = hn::Min(least, Measure(points + i, centerX, centerY).square);
+        least = hn::Min(least, SquaresFrom(LoadUnordered(points + i), centerX, centerY));
     }
     smallest = hn::GetLane(hn::MinOfLanes(d, least));
     return whole;
@@ -232,8 +215,8 @@ HWY_EXPORT(SmallestOfWholeVectors);
 namespace
 {
 
-constexpr std::size_t kMostGroups = 128; // room for the 48 groups, however the lanes fill up
 constexpr std::size_t kAtOnce = 512;     // a multiple of any number of lanes
+constexpr std::size_t kMostGroups = 128; // room for the 48 groups, however the lanes fill up
 
 double SquaredDistance(const qPoint64f& a, const qPoint64f& b)
 {
@@ -286,35 +269,32 @@ Bounds BoundsOfSome(std::span<const qPoint64f> points)
     return bounds;
 }
 
-GroupedPoints GroupAround(const qPoint64f& middle, double offset, std::span<const qPoint64f> points)
+std::vector<DistPoint> FarthestAround(const qPoint64f& middle, double offset, std::span<const qPoint64f> points)
 {
-    GroupedPoints grouped = {{0.0, 0.0}, true, std::vector<DistPoint>(kMostGroups)};
+    std::vector<DistPoint> farthest(kMostGroups);
     std::size_t groups = 0;
-    const std::size_t whole = HWY_DYNAMIC_DISPATCH(GroupWholeVectors)(points, middle, offset, grouped, groups);
-    grouped.farthest.resize(groups);
+    const std::size_t whole = HWY_DYNAMIC_DISPATCH(GroupWholeVectors)(points, middle, offset, farthest.data(), groups);
+    farthest.resize(groups);
     for (const qPoint64f& point : points.subspan(whole))
     {
-        grouped.sum.x += point.x;
-        grouped.sum.y += point.y;
-        grouped.areUsable = grouped.areUsable && IsUsable(point);
-        grouped.farthest.push_back({point, SquaredDistance(point, middle)});
+        farthest.push_back({point, SquaredDistance(point, middle)});
     }
-    return grouped;
+    return farthest;
 }
 
 } // namespace
 
-GroupedPoints SumInGroups(std::span<const qPoint64f> points)
+std::vector<DistPoint> OutermostPoints(std::span<const qPoint64f> points)
 {
     const Bounds bounds = BoundsOfSome(points);
     // More than the middle is off, lest most groups look at one side; but not by much, as they look for the farthest.
     const double offset = 0.02 * std::max(bounds.most.x - bounds.least.x, bounds.most.y - bounds.least.y);
-    return GroupAround(Middle(bounds.least, bounds.most), offset, points);
+    return FarthestAround(Middle(bounds.least, bounds.most), offset, points);
 }
 
 std::vector<DistPoint> FarthestOfGroups(std::span<const qPoint64f> points, const qPoint64f& center)
 {
-    return GroupAround(center, 0.0, points).farthest;
+    return FarthestAround(center, 0.0, points);
 }
 
 std::optional<std::vector<DistPoint>> PointsBeyond(std::span<const qPoint64f> points, std::span<const Disc> discs,

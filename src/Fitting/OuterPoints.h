@@ -11,17 +11,9 @@
 namespace Zvl
 {
 
-/** What one pass over points tells. */
-struct GroupedPoints
-{
-    qPoint64f sum;                   ///< each point added to the sum of those before it
-    bool areUsable;                  ///< as IsUsable() tells for each of them
-    std::vector<DistPoint> farthest; ///< the farthest point of each group, with a value of no use
-};
-
 /** Splits the points, of which there is at least one, into about 48 groups, and finds the points of these that lie farthest
- *  from somewhere near their middle: the outermost ones on all sides, as a rule. */
-GroupedPoints SumInGroups(std::span<const qPoint64f> points);
+ *  from somewhere near their middle, with the squares of these distances: the outermost points on all sides, as a rule. */
+std::vector<DistPoint> OutermostPoints(std::span<const qPoint64f> points);
 
 /** The farthest point of each of these groups, as seen from @p center, with the square of its distance; the farthest point
  *  of all is among them. */

@@ -1,6 +1,7 @@
 #include "Fitting/CircleAroundFew.h"
 #include "Fitting/CircleCircumscribed.h"
 #include "Fitting/OuterPoints.h"
+#include "Utils/MeanOfPoints.h"
 
 #include "ZoneSupport.h"
 
@@ -12,20 +13,9 @@ using Zvl::DistPoint;
 using Zvl::ShrinkingCircle;
 using Zvl::Spreading;
 
-qPoint64f MeanOf(const Points& points)
-{
-    qPoint64f mean = {0.0, 0.0};
-    for (const qPoint64f& p : points)
-    {
-        mean.x += p.x;
-        mean.y += p.y;
-    }
-    return {mean.x / static_cast<double>(points.size()), mean.y / static_cast<double>(points.size())};
-}
-
 std::optional<ShrinkingCircle> SpreadAroundFew(const Points& points)
 {
-    return Zvl::SpreadAroundFew(points, MeanOf(points), Zvl::SumInGroups(points).farthest);
+    return Zvl::SpreadAroundFew(points, Zvl::MeanOfPoints(points), Zvl::OutermostPoints(points));
 }
 
 /** A disc with a random middle, in random order. */
@@ -68,7 +58,7 @@ ShrinkingCircle SpreadAroundAll(const Points& points, Spreading& ending)
     {
         items.push_back({p, 0.0});
     }
-    ShrinkingCircle circle = Zvl::CircleAround(MeanOf(points), items);
+    ShrinkingCircle circle = Zvl::CircleAround(Zvl::MeanOfPoints(points), items);
     ending = Zvl::ShrinkUntilSpread(circle, [](const auto&, const auto&) { return true; });
     return circle;
 }
@@ -163,7 +153,7 @@ TEST(SpreadAroundFew, PointsThatAPeerOfTheirGroupHidesAreNotForgotten)
 /** The lists of outer points that a guess may begin with, good and bad. */
 std::vector<std::vector<DistPoint>> SomeOuterPoints(const Points& points, std::uint64_t seed)
 {
-    const qPoint64f mean = MeanOf(points);
+    const qPoint64f mean = Zvl::MeanOfPoints(points);
     std::vector<DistPoint> items;
     for (const qPoint64f& p : points)
     {
@@ -190,7 +180,7 @@ TEST(SpreadAroundFew, WhateverItBeginsWithEndsAsTheStepsOverAllPointsDo)
         const Points points = CloudOf(600 + 20 * seed, seed);
         for (const std::vector<DistPoint>& outer : SomeOuterPoints(points, seed))
         {
-            const auto few = Zvl::SpreadAroundFew(points, MeanOf(points), outer);
+            const auto few = Zvl::SpreadAroundFew(points, Zvl::MeanOfPoints(points), outer);
             proven += IsProvenAndTheSame(few, points) ? 1 : 0;
         }
     }

@@ -81,6 +81,39 @@ TEST(CircumscribedCircle, AnUnusableCoordinateAmongManyIsRefused)
     }
 }
 
+TEST(CircumscribedCircle, AnUnusableCoordinateIsRefusedWhereverItIs)
+{
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    Points points = LobedRing(300, 0.01, 1);
+    for (qPoint64f& p : points)
+    {
+        for (const double value : {std::nan(""), kInfinity, -kInfinity, 1.001e100, -1e160})
+        {
+            for (double* coordinate : {&p.x, &p.y})
+            {
+                const double before = std::exchange(*coordinate, value);
+                Circle circle;
+                TestSupport::ExpectThrow(STATUS_BAD_DATA, kFunction, [&] { FitInto(circle, FitCircle_MCC, points); });
+                ExpectNothing(circle);
+                *coordinate = before;
+            }
+        }
+    }
+    points[7].x = 1e300; // the two leave a mean as any other
+    points[250].x = -1e300;
+    Circle circle;
+    TestSupport::ExpectThrow(STATUS_BAD_DATA, kFunction, [&] { FitInto(circle, FitCircle_MCC, points); });
+}
+
+TEST(CircumscribedCircle, CoordinatesUpToTheLargestAreUsable)
+{
+    Points points = LobedRing(300, 0.01, 1);
+    points[40] = {1e100, 1e100};
+    points[199] = {-1e100, -1e100};
+    const Circle circle = FitTo(FitCircle_MCC, points);
+    EXPECT_NEAR(circle.radius, std::sqrt(2.0) * 1e100, 1e86);
+}
+
 TEST(CircumscribedCircle, AFarthestPointBesideTheMeanLeavesNoWay)
 {
     // The mean is (1, 0), and (7, 0) is the farthest point: no centre lies strictly between the two in y.

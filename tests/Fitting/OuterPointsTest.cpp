@@ -77,43 +77,6 @@ TEST(FarthestOfGroups, HoldsTheFarthestOfAllAndFewOthers)
     }
 }
 
-TEST(SumInGroups, AddsThePointsOneAfterTheOther)
-{
-    for (const std::size_t count : Counts())
-    {
-        const Points points = Scattered(count, 10.0, count);
-        qPoint64f sum = {0.0, 0.0};
-        for (const qPoint64f& p : points)
-        {
-            sum.x += p.x;
-            sum.y += p.y;
-        }
-        ExpectPoints({Zvl::SumInGroups(points).sum}, {sum});
-    }
-}
-
-TEST(SumInGroups, NoticesAnUnusablePointWhereverItIs)
-{
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    for (const std::size_t count : {1U, 7U, 8U, 39U, 128U, 300U})
-    {
-        Points points = Scattered(count, 10.0, count);
-        points[count / 2] = {1e100, -1e100};
-        EXPECT_TRUE(Zvl::SumInGroups(points).areUsable);
-        for (qPoint64f& p : points)
-        {
-            for (const double value : {std::nan(""), kInfinity, -kInfinity, 1.001e100})
-            {
-                const qPoint64f before = std::exchange(p, {value, p.y});
-                EXPECT_FALSE(Zvl::SumInGroups(points).areUsable);
-                p = {before.x, value};
-                EXPECT_FALSE(Zvl::SumInGroups(points).areUsable);
-                p = before;
-            }
-        }
-    }
-}
-
 /** The sixths of a turn about @p middle, of which one of the points is in each. */
 std::set<int> Sixths(const std::vector<DistPoint>& items, const qPoint64f& middle)
 {
@@ -127,7 +90,7 @@ std::set<int> Sixths(const std::vector<DistPoint>& items, const qPoint64f& middl
     return sixths;
 }
 
-TEST(SumInGroups, ShowsOuterPointsOnAllSidesInAnyOrder)
+TEST(OutermostPoints, ShowsOuterPointsOnAllSidesInAnyOrder)
 {
     constexpr qPoint64f kMiddle = {3.0, 4.0};
     for (std::uint64_t seed = 1; seed <= 20; ++seed)
@@ -141,7 +104,7 @@ TEST(SumInGroups, ShowsOuterPointsOnAllSidesInAnyOrder)
         {
             std::shuffle(points.begin(), points.end(), random);
         }
-        const std::vector<DistPoint> farthest = Zvl::SumInGroups(points).farthest;
+        const std::vector<DistPoint> farthest = Zvl::OutermostPoints(points);
         EXPECT_LE(farthest.size(), 100U);
         for (const DistPoint& item : farthest)
         {
@@ -151,10 +114,10 @@ TEST(SumInGroups, ShowsOuterPointsOnAllSidesInAnyOrder)
     }
 }
 
-TEST(SumInGroups, PointsThatAreOneAreTheFarthestOfAll)
+TEST(OutermostPoints, PointsThatAreOneAreTheFarthestOfAll)
 {
     const Points points(1000, {1.5, -2.0});
-    for (const DistPoint& item : Zvl::SumInGroups(points).farthest)
+    for (const DistPoint& item : Zvl::OutermostPoints(points))
     {
         ExpectPoints({item.point}, {points[0]});
     }
