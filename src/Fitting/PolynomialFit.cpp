@@ -1,9 +1,12 @@
 #include <ZdkVisionLib/Fitting/Fit.h>
 
+#include "Fitting/PowerSums.h"
+
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <span>
 #include <stdexcept>
 #include <vector>
 
@@ -17,31 +20,6 @@ constexpr int kSuccess = 0;
 constexpr int kFailure = -1;
 constexpr double kLeastPivot = 1.1920928955078125e-07;
 
-/** The sums of the normal equations: `B[j]` of y times the j-th power of x, `P[j]` of the j-th power alone. */
-struct PowerSums
-{
-    explicit PowerSums(std::size_t degree) : B(degree + 1), P(2 * degree + 3) {}
-
-    void Add(double x, double y)
-    {
-        double power = 1.0;
-        for (double& sum : B)
-        {
-            sum += y * power;
-            power *= x;
-        }
-        power = 1.0;
-        for (double& sum : P)
-        {
-            sum += power;
-            power *= x;
-        }
-    }
-
-    std::vector<double> B;
-    std::vector<double> P;
-};
-
 /** Inverts the normal matrix by Gauss-Jordan elimination without pivoting, the matrix in the left half of each row,
  *  the identity in the right one.
  *
@@ -51,7 +29,7 @@ struct PowerSums
 class NormalMatrix
 {
 public:
-    explicit NormalMatrix(const std::vector<double>& powerSums) : P(powerSums), size(powerSums.size() / 2) {}
+    explicit NormalMatrix(std::span<const double> powerSums) : P(powerSums), size(powerSums.size() / 2) {}
 
     /** @return false when a pivot is too small */
     bool Invert()
@@ -84,7 +62,7 @@ public:
     }
 
     /** Row @p r of the inverse times @p vector. */
-    double Times(const std::vector<double>& vector, std::size_t r) const
+    double Times(std::span<const double> vector, std::size_t r) const
     {
         double sum = 0.0;
         for (std::size_t m = 0; m < size; ++m)
@@ -117,7 +95,7 @@ private:
         }
     }
 
-    const std::vector<double>& P;
+    std::span<const double> P;
     std::size_t size;
     std::vector<Row> A;
 };
@@ -126,18 +104,15 @@ template <typename Point>
 int FitWithMemory(const Point* points, std::size_t count, std::size_t degree, double* coefficients)
 {
     PowerSums sums(degree);
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        sums.Add(static_cast<double>(points[i].x), static_cast<double>(points[i].y));
-    }
-    NormalMatrix matrix(sums.P);
+    sums.Add(std::span(points, count));
+    NormalMatrix matrix(sums.OfPowers());
     if (!matrix.Invert())
     {
         return kFailure;
     }
     for (std::size_t i = 0; i <= degree; ++i)
     {
-        coefficients[i] = matrix.Times(sums.B, i);
+        coefficients[i] = matrix.Times(sums.OfProducts(), i);
     }
     return kSuccess;
 }
