@@ -12,11 +12,6 @@ namespace Zvl
 namespace
 {
 
-bool IsUsed(const qPoint64f* points, const int* excluded, std::size_t index)
-{
-    return (excluded == nullptr || excluded[index] == 0) && IsPresent(points[index]);
-}
-
 /** True when the spread is no more than rounding can leave of none. */
 bool MayCoincide(const LineSums& sums)
 {
@@ -58,19 +53,6 @@ Line LineSums::Solve() const
         return {};
     }
     return {dyy / nxy, -(syy * sx - sy * sxy) / nxy};
-}
-
-LineSums SumPoints(const qPoint64f* points, const int* excluded, std::size_t count)
-{
-    LineSums sums;
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        if (IsUsed(points, excluded, i))
-        {
-            sums.Add(points[i]);
-        }
-    }
-    return sums;
 }
 
 Line SolveLine(const LineSums& sums, const qPoint64f* points, const int* excluded, std::size_t count)

@@ -65,6 +65,13 @@ inline bool IsPresent(const qPoint64f& point)
     return point.x != GetNull<double>() && point.y != GetNull<double>();
 }
 
+/** True when a point is present and not excluded.
+ *  @param excluded a flag for each point, or null */
+inline bool IsUsed(const qPoint64f* points, const int* excluded, std::size_t index)
+{
+    return (excluded == nullptr || excluded[index] == 0) && IsPresent(points[index]);
+}
+
 /** The sums over the points that are present and not excluded, added in input order.
  *  @param excluded a flag for each point, or null */
 LineSums SumPoints(const qPoint64f* points, const int* excluded, std::size_t count);
