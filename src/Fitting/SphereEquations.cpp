@@ -3,6 +3,7 @@
 #include <ZdkVisionLib/platform/qVision.h>
 
 #include "Common/Check.h"
+#include "Fitting/SphereSums.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,12 +35,7 @@ SphereEquations::SphereEquations(void* workAllocator) : allocator(workAllocator)
 
 void SphereEquations::Add(const qPoint3d64f* points, std::size_t count)
 {
-    SphereContribution total = sums; // a local of its own stays in registers
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        total.Combine(SphereContribution(points[i]), std::plus<>());
-    }
-    sums = total;
+    AddContributions(points, count, sums);
 }
 
 void SphereEquations::Subtract(const qPoint3d64f& point)
