@@ -1,9 +1,9 @@
 #include "Fitting/LineSums.h"
 
 #include "support/InstructionSets.h"
+#include "support/SameNumber.h"
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <random>
 #include <vector>
@@ -11,15 +11,10 @@
 namespace
 {
 
+using TestSupport::IsSameNumber;
 using Zvl::LineSums;
 
 constexpr double kNull = Zvl::GetNull<double>();
-
-/** True for the same bits; one not-a-number is as good as another. */
-bool IsSame(double a, double b)
-{
-    return std::memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b);
-}
 
 void ExpectPlainSums(const std::vector<qPoint64f>& points, const int* excluded)
 {
@@ -33,11 +28,11 @@ void ExpectPlainSums(const std::vector<qPoint64f>& points, const int* excluded)
     }
     const LineSums sums = Zvl::SumPoints(points.data(), excluded, points.size());
     EXPECT_EQ(sums.count, expected.count);
-    EXPECT_TRUE(IsSame(sums.sx, expected.sx));
-    EXPECT_TRUE(IsSame(sums.sy, expected.sy));
-    EXPECT_TRUE(IsSame(sums.sxx, expected.sxx));
-    EXPECT_TRUE(IsSame(sums.syy, expected.syy));
-    EXPECT_TRUE(IsSame(sums.sxy, expected.sxy));
+    EXPECT_TRUE(IsSameNumber(sums.sx, expected.sx));
+    EXPECT_TRUE(IsSameNumber(sums.sy, expected.sy));
+    EXPECT_TRUE(IsSameNumber(sums.sxx, expected.sxx));
+    EXPECT_TRUE(IsSameNumber(sums.syy, expected.syy));
+    EXPECT_TRUE(IsSameNumber(sums.sxy, expected.sxy));
 }
 
 std::vector<qPoint64f> Scattered(std::size_t count)

@@ -1,9 +1,9 @@
 #include "Fitting/PowerSums.h"
 
 #include "support/InstructionSets.h"
+#include "support/SameNumber.h"
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <random>
@@ -12,13 +12,8 @@
 namespace
 {
 
+using TestSupport::IsSameNumber;
 using Zvl::PowerSums;
-
-/** True for the same bits; one not-a-number is as good as another. */
-bool IsSame(double a, double b)
-{
-    return std::memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b);
-}
 
 template <typename Point>
 void ExpectPlainSums(const std::vector<Point>& points, std::size_t degree)
@@ -44,11 +39,11 @@ void ExpectPlainSums(const std::vector<Point>& points, std::size_t degree)
     ASSERT_EQ(sums.OfProducts().size(), ofProducts.size());
     for (std::size_t j = 0; j < ofPowers.size(); ++j)
     {
-        EXPECT_TRUE(IsSame(sums.OfPowers()[j], ofPowers[j])) << "power " << j;
+        EXPECT_TRUE(IsSameNumber(sums.OfPowers()[j], ofPowers[j])) << "power " << j;
     }
     for (std::size_t j = 0; j < ofProducts.size(); ++j)
     {
-        EXPECT_TRUE(IsSame(sums.OfProducts()[j], ofProducts[j])) << "product " << j;
+        EXPECT_TRUE(IsSameNumber(sums.OfProducts()[j], ofProducts[j])) << "product " << j;
     }
 }
 

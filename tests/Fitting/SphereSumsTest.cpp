@@ -1,9 +1,9 @@
 #include "Fitting/SphereSums.h"
 
 #include "support/InstructionSets.h"
+#include "support/SameNumber.h"
 
 #include <cmath>
-#include <cstring>
 #include <functional>
 #include <limits>
 #include <random>
@@ -12,13 +12,8 @@
 namespace
 {
 
+using TestSupport::IsSameNumber;
 using Zvl::SphereContribution;
-
-/** True for the same bits; one not-a-number is as good as another. */
-bool IsSame(double a, double b)
-{
-    return std::memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b);
-}
 
 void ExpectPlainSums(const std::vector<qPoint3d64f>& points, const SphereContribution& start)
 {
@@ -33,9 +28,9 @@ void ExpectPlainSums(const std::vector<qPoint3d64f>& points, const SphereContrib
     {
         for (std::size_t column = 0; column < Zvl::kSphereUnknowns; ++column)
         {
-            EXPECT_TRUE(IsSame(sums.matrix[row][column], expected.matrix[row][column])) << row << ", " << column;
+            EXPECT_TRUE(IsSameNumber(sums.matrix[row][column], expected.matrix[row][column])) << row << ", " << column;
         }
-        EXPECT_TRUE(IsSame(sums.vector[row], expected.vector[row])) << row;
+        EXPECT_TRUE(IsSameNumber(sums.vector[row], expected.vector[row])) << row;
     }
 }
 

@@ -1,10 +1,10 @@
 #include "Utils/MeanOfPoints.h"
 
 #include "support/InstructionSets.h"
+#include "support/SameNumber.h"
 
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <functional>
 #include <limits>
 #include <random>
@@ -13,6 +13,7 @@
 namespace
 {
 
+using TestSupport::IsSameNumber;
 using Points = std::vector<qPoint64f>;
 using Random = std::mt19937_64;
 
@@ -27,18 +28,12 @@ qPoint64f PlainSum(const Points& points)
     return sum;
 }
 
-/** Of numbers, the bits; one not-a-number is as good as another. */
-bool IsSame(double a, double b)
-{
-    return std::memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b);
-}
-
 void ExpectPlainSum(const Points& points)
 {
     const qPoint64f expected = PlainSum(points);
     const qPoint64f sum = Zvl::SumOfPoints(points);
-    EXPECT_TRUE(IsSame(sum.x, expected.x)) << sum.x << " for " << expected.x;
-    EXPECT_TRUE(IsSame(sum.y, expected.y)) << sum.y << " for " << expected.y;
+    EXPECT_TRUE(IsSameNumber(sum.x, expected.x)) << sum.x << " for " << expected.x;
+    EXPECT_TRUE(IsSameNumber(sum.y, expected.y)) << sum.y << " for " << expected.y;
 }
 
 /** Points of two kinds of coordinates, in numbers from none to more than a hundred blocks. */
