@@ -25,13 +25,13 @@ struct IntensityScanReceiver
 /** Marks the worker's cells that have a height and an intensity in the range. Cells beside either layer stay 0. */
 qStatus FillIntensityRows(void* context, void* /*sender*/, const qParallelArgs* args)
 {
-    const auto& receiver = *static_cast<const IntensityScanReceiver*>(context);
-    const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
-    const RowShare share(args, mask.rows);
-    if (share.IsEmpty())
+    if (IsIdle(args))
     {
         return STATUS_OK;
     }
+    const auto& receiver = *static_cast<const IntensityScanReceiver*>(context);
+    const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
+    const RowShare share(args, mask.rows);
     const Cells<const std::int16_t> heights = CellsOf<const std::int16_t>(receiver.heights);
     const Cells<const std::uint8_t> intensities = CellsOf<const std::uint8_t>(receiver.intensities);
     const LayerWindow window(receiver.cellOffset, mask.rows, mask.columns, std::min(heights.rows, intensities.rows),

@@ -30,14 +30,14 @@ MergeReceiver::MergeReceiver(const Zo::Object<void*>& source, const Rect2d<int>&
 
 qStatus MergeMaskRows(void* context, void* /*sender*/, const qParallelArgs* args)
 {
+    if (IsIdle(args))
+    {
+        return STATUS_OK;
+    }
     const auto& receiver = *static_cast<const MergeReceiver*>(context);
     const Cells<const std::uint8_t> source = CellsOf<const std::uint8_t>(receiver.source);
     const std::size_t rows = std::min<std::uint64_t>(source.rows, receiver.height);
     const RowShare share(args, rows);
-    if (share.IsEmpty())
-    {
-        return STATUS_OK;
-    }
     const Cells<std::uint8_t> target = CellsOf<std::uint8_t>(args->target);
     const LayerWindow window({receiver.column, receiver.row}, rows, std::min(source.columns, receiver.width),
                              target.rows, target.columns);

@@ -203,14 +203,14 @@ private:
 
 qStatus FillPolygonRows(void* context, void* /*sender*/, const qParallelArgs* args)
 {
+    if (IsIdle(args))
+    {
+        return STATUS_OK;
+    }
     const auto& receiver = *static_cast<const PolygonScanReceiver*>(context);
     const Rect2d<int>& box = *receiver.boundingBox;
     const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
     const RowShare share(args, mask.rows);
-    if (share.IsEmpty())
-    {
-        return STATUS_OK;
-    }
     const double firstY = (box.y + static_cast<double>(share.begin)) * receiver.scale->y + receiver.offset->y;
     const std::vector<double> positions = AccumulatedPositions(firstY, receiver.scale->y, share.end - share.begin);
     // Far enough to the left that every crossing lies to the right of the ray's origin.

@@ -185,13 +185,13 @@ private:
 template <typename Test, typename Sector>
 void FillRows(const SectorScanReceiver& receiver, const Sector& sector, const qParallelArgs* args)
 {
-    const Rect2d<int>& box = *receiver.boundingBox;
-    const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
-    const RowShare share(args, mask.rows);
-    if (share.IsEmpty())
+    if (IsIdle(args))
     {
         return;
     }
+    const Rect2d<int>& box = *receiver.boundingBox;
+    const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
+    const RowShare share(args, mask.rows);
     const Test test(sector);
     const SectorOutline outline(sector);
     const Columns columns(receiver, sector.center.x);

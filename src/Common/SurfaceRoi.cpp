@@ -27,13 +27,13 @@ struct SurfaceScanReceiver
 /** Marks the worker's cells that have a height. Cells beside the reference stay 0. */
 qStatus FillSurfaceRows(void* context, void* /*sender*/, const qParallelArgs* args)
 {
-    const auto& receiver = *static_cast<const SurfaceScanReceiver*>(context);
-    const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
-    const RowShare share(args, mask.rows);
-    if (share.IsEmpty())
+    if (IsIdle(args))
     {
         return STATUS_OK;
     }
+    const auto& receiver = *static_cast<const SurfaceScanReceiver*>(context);
+    const Cells<std::uint8_t> mask = CellsOf<std::uint8_t>(args->target);
+    const RowShare share(args, mask.rows);
     const Cells<const std::int16_t> heights = CellsOf<const std::int16_t>(receiver.heights);
     const LayerWindow window(receiver.cellOffset, mask.rows, mask.columns, heights.rows, heights.columns);
     const std::size_t end = window.EndRow(share.end);

@@ -61,11 +61,11 @@ qStatus ParallelCallback_GetPointsFromROI(void* context, void* /*sender*/, const
     {
         return STATUS_ABORTED;
     }
-    const RowShare share(args, receiver.mask.rows);
-    if (share.IsEmpty())
+    if (IsIdle(args))
     {
         return STATUS_OK;
     }
+    const RowShare share(args, receiver.mask.rows);
     CellItems<T> items(*receiver.surface, receiver.rect);
     T* next = receiver.items + receiver.counts[args->worker];
     for (std::size_t row = share.begin; row < share.end; ++row)
