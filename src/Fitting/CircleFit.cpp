@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <span>
 #include <utility>
 
 namespace Zvl
@@ -30,21 +31,23 @@ struct CircleResult
     std::vector<qPoint64f> outlierPoints;
 };
 
-void FitLeastSquares(const qPoint64f* points, std::size_t count, double outlierPercent, CircleResult& result)
+/** @param keptPoints may be null */
+void FitLeastSquares(const qPoint64f* points, std::size_t count, double outlierPercent,
+                     std::vector<qPoint64f>* keptPoints, CircleResult& result)
 {
     double radius = kNull;
-    FitCircle_LSC(points, count, outlierPercent, &result.center, &radius, &result.keptPoints, &result.outlierPoints);
+    FitCircle_LSC(points, count, outlierPercent, &result.center, &radius, keptPoints, &result.outlierPoints);
     result.minRadius = radius;
     result.maxRadius = radius;
 }
 
-/** Finds the nearest and the farthest kept point. A distance that overflows never becomes the smallest. */
-void MeasureDistances(CircleResult& result)
+/** Finds the nearest and the farthest point. A distance that overflows never becomes the smallest. */
+void MeasureDistances(std::span<const qPoint64f> points, CircleResult& result)
 {
     result.minDistance = std::numeric_limits<double>::max();
     qPoint64f nearest = kNullPoint;
     qPoint64f farthest = kNullPoint;
-    for (const qPoint64f& point : result.keptPoints)
+    for (const qPoint64f& point : points)
     {
         const double x = point.x - result.center.x;
         const double y = point.y - result.center.y;
@@ -82,26 +85,30 @@ void FitCircle(const qPoint64f* points, std::size_t count, double outlierPercent
 {
     CircleResult result;
     const bool rejecting = outlierPercent > 0.0;
+    std::span<const qPoint64f> kept(points, points == nullptr ? 0 : count);
     if (rejecting)
     {
-        FitLeastSquares(points, count, outlierPercent, result);
+        FitLeastSquares(points, count, outlierPercent, &result.keptPoints, result);
+        kept = result.keptPoints;
     }
     else if (type == CIRCLE_LSC)
     {
-        FitLeastSquares(points, count, outlierPercent, result);
-        MeasureDistances(result);
-    }
-    else if (points != nullptr)
-    {
-        result.keptPoints.assign(points, points + count);
+        FitLeastSquares(points, count, outlierPercent, nullptr, result);
+        if (maxDistance != nullptr || minDistance != nullptr || maxDistPoints != nullptr || minDistPoints != nullptr)
+        {
+            MeasureDistances(kept, result);
+        }
     }
     if (type == CIRCLE_MZC)
     {
-        const std::vector<qPoint64f>& kept = result.keptPoints;
         FitCircle_MZC(kept.data(), kept.size(), &result.center, &result.minRadius, &result.maxRadius,
                       &result.maxDistPoints, &result.minDistPoints);
     }
 
+    if (keptPoints != nullptr && !rejecting)
+    {
+        result.keptPoints.assign(kept.begin(), kept.end());
+    }
     Write(center, result.center);
     Write(minRadius, result.minRadius);
     Write(maxRadius, result.maxRadius);
