@@ -56,6 +56,7 @@ bool SectorOutline::Locate(double dy, double reach, OutlineRanges& ranges) const
     }
     ranges.Clear();
     LocateConic(outer, dy, ranges);
+    ranges.EndOuter();
     LocateConic(inner, dy, ranges);
     if (!hasRays)
     {

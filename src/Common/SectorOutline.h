@@ -26,6 +26,10 @@ public:
     void Clear() { count = 0; }
     void Add(double low, double high) { ranges[count++] = {low, high}; }
 
+    /** Says that the outer curve has no more ranges than those until now. */
+    void EndOuter() { outerCount = count; }
+    bool IsOfOuter(const Range& range) const { return &range < ranges.data() + outerCount; }
+
     const Range* begin() const { return ranges.data(); }
     const Range* end() const { return ranges.data() + count; }
 
@@ -33,6 +37,7 @@ private:
     // Two for each of the two curves, one for each of the two rays.
     std::array<Range, 6> ranges = {};
     std::size_t count = 0;
+    std::size_t outerCount = 0;
 };
 
 /** The outline of a sector: an outer curve, perhaps an inner one, and perhaps two rays. */

@@ -88,6 +88,12 @@ public:
         {
             --column;
         }
+        return FirstFrom(distance, column);
+    }
+
+    /** The same, if it is @p column or right of it. */
+    int FirstFrom(double distance, int column) const
+    {
         while (column < Count() && fromCenter[static_cast<std::size_t>(column)] < distance)
         {
             ++column;
@@ -124,15 +130,14 @@ public:
             return;
         }
         LocateUncertain();
-        int column = 0;
-        for (std::size_t i = 0; i < uncertainCount; ++i)
+        int column = outer.first;
+        for (std::size_t i = 0; i < uncertainCount && column < outer.end; ++i)
         {
             const Span& span = uncertain[i];
             FillCertain(column, span.first, y, row);
             TestEach(std::max(column, span.first), span.end, y, row);
             column = std::max(column, span.end);
         }
-        FillCertain(column, columns.Count(), y, row);
     }
 
 private:
@@ -142,17 +147,31 @@ private:
         int end;
     };
 
-    /** The columns within the outline's ranges, in ascending order. */
+    /** The columns within the outline's ranges, in ascending order, and those that the outer curve encloses. */
     void LocateUncertain()
     {
         uncertainCount = 0;
+        outer = {columns.Count(), 0};
         for (const OutlineRanges::Range& range : outlineRanges)
         {
-            const Span span = {columns.FirstFrom(range.low), columns.FirstFrom(range.high)};
-            uncertain[uncertainCount++] = span;
+            const int first = columns.FirstFrom(range.low);
+            const Span span = {first, columns.FirstFrom(range.high, first)}; // narrow, as a rule between two columns
+            Insert(span);
+            if (outlineRanges.IsOfOuter(range))
+            {
+                outer = {std::min(outer.first, span.first), std::max(outer.end, span.end)};
+            }
         }
-        std::sort(uncertain.begin(), uncertain.begin() + static_cast<std::ptrdiff_t>(uncertainCount),
-                  [](const Span& a, const Span& b) { return a.first < b.first; });
+    }
+
+    void Insert(const Span& span)
+    {
+        std::size_t place = uncertainCount++;
+        for (; place > 0 && uncertain[place - 1].first > span.first; --place)
+        {
+            uncertain[place] = uncertain[place - 1];
+        }
+        uncertain[place] = span;
     }
 
     void TestEach(int first, int end, double y, MaskRow& row) const
@@ -180,6 +199,7 @@ private:
     OutlineRanges outlineRanges;
     std::array<Span, 6> uncertain = {};
     std::size_t uncertainCount = 0;
+    Span outer = {}; // beyond it, no cell belongs to the sector
 };
 
 template <typename Test, typename Sector>

@@ -117,9 +117,11 @@ inline bool PointIsInAnnularSector(const AnnularSector2d<double>& sector, const 
     const double dx = x - sector.center.x;
     const double dy = y - sector.center.y;
     const double squaredDistance = dx * dx + dy * dy;
-    const double inner = squaredDistance / (sector.innerRadius * sector.innerRadius);
-    const double outer = squaredDistance / (sector.outerRadius * sector.outerRadius);
-    if (inner < 1.0 || outer > 1.0)
+    // The rule compares the quotients of the squares with 1. A quotient of two numbers is rounded to 1 only if they are
+    // equal: neighbours differ by more than half of the last place of 1. Zeros, infinities and what is not a number exclude
+    // the same points, too.
+    if (squaredDistance < sector.innerRadius * sector.innerRadius ||
+        squaredDistance > sector.outerRadius * sector.outerRadius)
     {
         return false;
     }
