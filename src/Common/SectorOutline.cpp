@@ -66,13 +66,12 @@ bool SectorOutline::Locate(double dy, double reach, OutlineRanges& ranges) const
     {
         return false;
     }
-    for (const qPoint64f& ray : rays)
+    for (const Ray& ray : rays)
     {
-        // A ray along the rows meets only rows through the centre, which are gone already.
-        if (std::fabs(ray.y) >= 2.0 * kAngleMargin)
+        if (ray.crosses)
         {
-            const double dx = dy * ray.x / ray.y;
-            const double margin = 2.0 * kAngleMargin * (std::fabs(dx) + std::fabs(dy)) / std::fabs(ray.y);
+            const double dx = dy * ray.slope;
+            const double margin = std::fabs(dy) * ray.margin;
             ranges.Add(dx - margin, dx + margin);
         }
     }
@@ -84,8 +83,9 @@ SectorOutline::Conic SectorOutline::ConicOf(double halfWidth, double halfHeight,
     const double alongX = 1.0 / halfWidth;
     const double alongY = 1.0 / halfHeight;
     const double product = alongX * alongY;
-    return {true, cosine * alongX * (cosine * alongX) + sine * alongY * (sine * alongY),
-            cosine * sine * (alongY * alongY - alongX * alongX), product * product};
+    const double xx = cosine * alongX * (cosine * alongX) + sine * alongY * (sine * alongY);
+    const double xy = cosine * sine * (alongY * alongY - alongX * alongX);
+    return {true, xx, 1.0 / xx, -xy / xx, product * product};
 }
 
 void SectorOutline::LocateConic(const Conic& conic, double dy, OutlineRanges& ranges)
@@ -100,14 +100,14 @@ void SectorOutline::LocateConic(const Conic& conic, double dy, OutlineRanges& ra
         return;
     }
     const double within = conic.xx * (1.0 - kQuotientMargin) - dy * dy * conic.determinant;
-    const double middle = -conic.xy * dy / conic.xx;
-    const double farHalf = std::sqrt(beyond) / conic.xx;
+    const double middle = conic.shift * dy;
+    const double farHalf = std::sqrt(beyond) * conic.perXx;
     if (within <= 0.0)
     {
         ranges.Add(middle - farHalf, middle + farHalf);
         return;
     }
-    const double nearHalf = std::sqrt(within) / conic.xx;
+    const double nearHalf = std::sqrt(within) * conic.perXx;
     ranges.Add(middle - farHalf, middle - nearHalf);
     ranges.Add(middle + nearHalf, middle + farHalf);
 }
@@ -138,7 +138,13 @@ void SectorOutline::SetRays(double startAngle, double angleSpan, double cosine, 
     {
         const double x = std::cos(ToRadians(ends[i]));
         const double y = std::sin(ToRadians(ends[i]));
-        rays[i] = {x * cosine + y * sine, y * cosine - x * sine};
+        const qPoint64f direction = {x * cosine + y * sine, y * cosine - x * sine}; // in the world
+        // A ray along the rows meets only rows through the centre, of which each cell is tested.
+        if (std::fabs(direction.y) >= 2.0 * kAngleMargin)
+        {
+            const double slope = direction.x / direction.y;
+            rays[i] = {true, slope, 2.0 * kAngleMargin * (std::fabs(slope) + 1.0) / std::fabs(direction.y)};
+        }
     }
 }
 

@@ -61,8 +61,17 @@ private:
     {
         bool present = false;
         double xx = 0.0;
-        double xy = 0.0;
+        double perXx = 0.0;       ///< `1 / xx`
+        double shift = 0.0;       ///< `-xy / xx`: how the middle of a row moves with dy
         double determinant = 0.0; ///< `xx yy - xy^2`
+    };
+
+    /** A ray that crosses rows, along which x grows by @p slope for each unit of y. */
+    struct Ray
+    {
+        bool crosses = false;
+        double slope = 0.0;
+        double margin = 0.0; ///< for each unit of y
     };
 
     static Conic ConicOf(double halfWidth, double halfHeight, double cosine, double sine);
@@ -75,7 +84,7 @@ private:
     Conic outer;
     Conic inner;
     bool hasRays = false;
-    std::array<qPoint64f, 2> rays = {}; ///< unit directions in the world
+    std::array<Ray, 2> rays = {};
 };
 
 } // namespace Zvl
