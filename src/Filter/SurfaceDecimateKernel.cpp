@@ -194,10 +194,14 @@ using Pairs = hn::RepartitionToWide<Cells16>;
 using Cell16 = hn::VFromD<Cells16>;
 using Pair = hn::VFromD<Pairs>;
 
-HWY_INLINE Pair PairSums(Cell16 cells)
+/** The sums of pairs in two rows, each lane times @p factor. */
+HWY_INLINE Pair PairSums(Cell16 top, Cell16 bottom, std::int16_t factor)
 {
-    const Pair pairs = hn::BitCast(Pairs(), cells);
-    return hn::Add(hn::ShiftRight<16>(pairs), hn::ShiftRight<16>(hn::ShiftLeft<16>(pairs)));
+    const Cell16 factors = hn::Set(Cells16(), factor);
+    Pair rest = hn::Zero(Pairs());
+    Pair sums = hn::ReorderWidenMulAccumulate(Pairs(), top, factors, hn::Zero(Pairs()), rest);
+    sums = hn::ReorderWidenMulAccumulate(Pairs(), bottom, factors, sums, rest);
+    return hn::RearrangeToOddPlusEven(sums, rest);
 }
 
 /** All bits set in the lanes of heights. */
@@ -207,14 +211,27 @@ HWY_INLINE Cell16 PresentLanes(Cell16 heights)
     return hn::VecFromMask(wide, hn::Ne(heights, hn::Set(wide, GetNull<short>())));
 }
 
+/** The means of sums of at most four heights, to the nearest float or, for three, close to it. */
+HWY_INLINE hn::VFromD<hn::Rebind<float, Pairs>> Quotients(Pair sums, Pair counts)
+{
+    const hn::Rebind<float, Pairs> floats;
+    const auto dividend = hn::ConvertTo(floats, sums);
+#if HWY_MAX_BYTES >= 32 && !HWY_HAVE_SCALABLE
+    HWY_ALIGN static constexpr float kReciprocals[hn::MaxLanes(floats)] = {1.0F, 1.0F, 0.5F, 1.0F / 3.0F, 0.25F};
+    const auto reciprocals = hn::Load(floats, kReciprocals);
+    return hn::Mul(dividend, hn::TableLookupLanes(reciprocals, hn::IndicesFromVec(floats, counts)));
+#else
+    return hn::Div(dividend, hn::ConvertTo(floats, hn::Max(counts, hn::Set(Pairs(), 1))));
+#endif
+}
+
 /** The rounded quotients of sums and counts of at most four heights. A float holds these sums and all of their halves
  *  and quarters; thirds are nowhere near a half. */
 HWY_INLINE Pair RoundedQuotients(Pair sums, Pair counts, Pair missing)
 {
     const Pairs integers;
     const hn::Rebind<float, Pairs> floats;
-    const auto divisor = hn::ConvertTo(floats, hn::Max(counts, hn::Set(integers, 1)));
-    const auto mean = hn::Div(hn::ConvertTo(floats, sums), divisor);
+    const auto mean = Quotients(sums, counts);
     const Pair rounded = hn::ConvertTo(integers, hn::Add(mean, hn::CopySign(hn::Set(floats, 0.5F), mean)));
     return hn::IfThenElse(hn::Eq(counts, hn::Zero(integers)), missing, rounded);
 }
@@ -226,7 +243,7 @@ struct PairsOfHeights
           bottom(hn::LoadU(Cells16(), rows.bottom + column)),
           topPresent(PresentLanes(top)),
           bottomPresent(PresentLanes(bottom)),
-          counts(hn::Neg(PairSums(hn::Add(topPresent, bottomPresent))))
+          counts(PairSums(topPresent, bottomPresent, -1))
     {
     }
 
@@ -246,8 +263,7 @@ std::size_t HalveHeightsOf(const RowPair& heights, std::size_t count, std::int16
     for (; i + lanes <= count; i += lanes)
     {
         const PairsOfHeights pairs(heights, 2 * i);
-        const Pair sums = hn::Add(PairSums(hn::And(pairs.top, pairs.topPresent)),
-                                  PairSums(hn::And(pairs.bottom, pairs.bottomPresent)));
+        const Pair sums = PairSums(hn::And(pairs.top, pairs.topPresent), hn::And(pairs.bottom, pairs.bottomPresent), 1);
         hn::StoreU(hn::DemoteTo(narrow, RoundedQuotients(sums, pairs.counts, missing)), narrow, means + i);
     }
     return i;
@@ -268,8 +284,8 @@ std::size_t HalveIntensitiesOf(const RowPair& heights, const std::uint8_t* top, 
     for (; i + lanes <= count; i += lanes)
     {
         const PairsOfHeights pairs(heights, 2 * i);
-        const Pair sums = PairSums(hn::Add(hn::And(WideIntensities(top + 2 * i), pairs.topPresent),
-                                           hn::And(WideIntensities(bottom + 2 * i), pairs.bottomPresent)));
+        const Pair sums = PairSums(hn::And(WideIntensities(top + 2 * i), pairs.topPresent),
+                                   hn::And(WideIntensities(bottom + 2 * i), pairs.bottomPresent), 1);
         const Pair rounded = RoundedQuotients(sums, pairs.counts, hn::Zero(Pairs()));
         hn::StoreU(hn::DemoteTo(narrow, rounded), narrow, means + i);
     }
