@@ -13,6 +13,7 @@
 #ifdef BENCH_CGAL
 #include <CGAL/Delaunay_triangulation_2.h>
 #include <CGAL/Exact_predicates_inexact_constructions_kernel.h>
+#include <CGAL/Triangulation_face_base_with_info_2.h>
 #endif
 
 namespace Survey
@@ -93,20 +94,61 @@ Peer BoostVoronoi(const Points& sites)
 #endif
 
 #ifdef BENCH_CGAL
-/** The triangulation that the diagram is the dual of. */
-Peer CgalDelaunay(const Points& sites)
+using Kernel = CGAL::Exact_predicates_inexact_constructions_kernel;
+
+std::vector<Kernel::Point_2> InKernel(const Points& sites)
 {
-    using Kernel = CGAL::Exact_predicates_inexact_constructions_kernel;
     std::vector<Kernel::Point_2> points;
     for (const qPoint64f& site : sites)
     {
         points.emplace_back(site.x, site.y);
     }
-    return {"CGAL, Delaunay triangulation", [points]
+    return points;
+}
+
+/** The triangulation that the diagram is the dual of. */
+Peer CgalDelaunay(const Points& sites)
+{
+    return {"CGAL, Delaunay triangulation alone", [points = InKernel(sites)]
             {
                 CGAL::Delaunay_triangulation_2<Kernel> triangulation;
                 triangulation.insert(points.begin(), points.end());
                 Keep(triangulation.number_of_faces());
+            }};
+}
+
+/** The triangulation, and of its dual the vertices and the cells, which are left open at the border. */
+Peer CgalVoronoi(const Points& sites)
+{
+    using Face = CGAL::Triangulation_face_base_with_info_2<Kernel::Point_2, Kernel>;
+    using Structure = CGAL::Triangulation_data_structure_2<CGAL::Triangulation_vertex_base_2<Kernel>, Face>;
+    using Triangulation = CGAL::Delaunay_triangulation_2<Kernel, Structure>;
+    return {"CGAL, Delaunay triangulation and open cells", [points = InKernel(sites)]
+            {
+                Triangulation triangulation;
+                triangulation.insert(points.begin(), points.end());
+                for (const auto& face : triangulation.finite_face_handles())
+                {
+                    face->info() = triangulation.dual(face);
+                }
+                std::vector<Kernel::Point_2> corners;
+                std::vector<std::size_t> ends;
+                corners.reserve(6 * points.size());
+                ends.reserve(points.size());
+                for (const auto& vertex : triangulation.finite_vertex_handles())
+                {
+                    const auto begin = triangulation.incident_faces(vertex);
+                    auto face = begin;
+                    do
+                    {
+                        if (!triangulation.is_infinite(face))
+                        {
+                            corners.push_back(face->info());
+                        }
+                    } while (++face != begin);
+                    ends.push_back(corners.size());
+                }
+                Keep(corners.size() + ends.size());
             }};
 }
 #endif
@@ -125,6 +167,7 @@ Case Voronoi(const Points& sites)
     peers.push_back(BoostVoronoi(sites));
 #endif
 #ifdef BENCH_CGAL
+    peers.push_back(CgalVoronoi(sites));
     peers.push_back(CgalDelaunay(sites));
 #endif
     return {.ours = ours, .peers = peers, .items = static_cast<double>(sites.size())};
