@@ -9,22 +9,25 @@ namespace Zvl
 
 CenteredPoints::CenteredPoints(const qPoint64f* points, std::size_t pointCount)
     : count(pointCount),
+      size((pointCount + kBlock - 1) / kBlock * kBlock),
       centroid(MeanOfPoints({points, pointCount})),
-      x((pointCount + kBlock - 1) / kBlock * kBlock, kRemoved),
-      y(x)
+      x(std::make_unique_for_overwrite<double[]>(size)), // NOLINT(*-avoid-c-arrays)
+      y(std::make_unique_for_overwrite<double[]>(size))  // NOLINT(*-avoid-c-arrays)
 {
     for (std::size_t i = 0; i < count; ++i)
     {
         x[i] = points[i].x - centroid.x;
         y[i] = points[i].y - centroid.y;
     }
+    std::fill(x.get() + count, x.get() + size, kRemoved);
+    std::fill(y.get() + count, y.get() + size, kRemoved);
 }
 
 TriangularFactor CenteredPoints::Factor() const
 {
     TriangularFactor factor;
     EquationBlock block;
-    for (std::size_t begin = 0; begin < x.size(); begin += kBlock)
+    for (std::size_t begin = 0; begin < size; begin += kBlock)
     {
         for (std::size_t row = 0; row < kBlock; ++row)
         {
@@ -49,7 +52,7 @@ double CenteredPoints::Reach() const
         const double distance = std::fabs(coordinate);
         reach[lane] = distance > reach[lane] ? distance : reach[lane];
     };
-    for (std::size_t i = 0; i < x.size(); i += kLanes)
+    for (std::size_t i = 0; i < size; i += kLanes)
     {
         for (std::size_t lane = 0; lane < kLanes; ++lane)
         {
@@ -64,7 +67,7 @@ std::size_t CenteredPoints::FarthestFrom(const Circle& circle) const
 {
     double largest = -1.0;
     std::size_t first = 0;
-    for (std::size_t begin = 0; begin < x.size(); begin += kBlock)
+    for (std::size_t begin = 0; begin < size; begin += kBlock)
     {
         const double residual = LargestResidual(begin, circle);
         if (residual > largest)

@@ -10,7 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <vector>
+#include <memory>
 
 namespace Zvl
 {
@@ -74,9 +74,10 @@ private:
     std::size_t FirstKept() const;
 
     std::size_t count;
+    std::size_t size; ///< the count, up to whole blocks
     qPoint64f centroid;
-    std::vector<double> x;
-    std::vector<double> y;
+    std::unique_ptr<double[]> x; // NOLINT(*-avoid-c-arrays): a vector would be filled before it is written
+    std::unique_ptr<double[]> y; // NOLINT(*-avoid-c-arrays)
 };
 
 } // namespace Zvl

@@ -70,8 +70,11 @@ void FitCircle_LSC(const qPoint64f* points, std::size_t count, double outlierPer
         outliers.push_back(points[rejection.RejectFarthest()]);
         SolveOrThrow(rejection);
     }
-    std::vector<qPoint64f> kept =
-        outliers.empty() ? std::vector<qPoint64f>(points, points + count) : KeptPoints(rejection, points, count);
+    std::vector<qPoint64f> kept;
+    if (keptPoints != nullptr)
+    {
+        kept = outliers.empty() ? std::vector<qPoint64f>(points, points + count) : KeptPoints(rejection, points, count);
+    }
 
     Write(center, rejection.Center());
     Write(radius, rejection.Radius());
