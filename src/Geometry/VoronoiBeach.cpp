@@ -11,6 +11,9 @@ namespace
  *  as it does between sites that are almost on one line. */
 constexpr std::int32_t kShortBeach = 256;
 
+/** A beach line that has become shorter than this is no longer listed in the index. */
+constexpr std::int32_t kUnlistedBeach = kShortBeach / 2;
+
 /** Breakpoints on either side of a change that must agree with it before it is taken for the only one. */
 constexpr int kNear = 4;
 
@@ -75,7 +78,7 @@ VoronoiBeach::VoronoiBeach(VoronoiArena& memory, VoronoiBeachRun** tableMemory)
 
 VoronoiHalfEdge* VoronoiBeach::FindArc(const qPoint64f& p, const qPoint64f& min, const qPoint64f& max) const
 {
-    if (index.Size() > kShortBeach)
+    if (size > kShortBeach)
     {
         VoronoiHalfEdge* found =
             index.FindLast([&p](const VoronoiHalfEdge* halfEdge) { return IsRightOf(*halfEdge, p); });
@@ -125,8 +128,16 @@ VoronoiHalfEdge* VoronoiBeach::InsertAfter(VoronoiHalfEdge* previous, VoronoiEdg
 {
     VoronoiHalfEdge* added = New();
     added->PutOn(*edge, direction);
-    index.InsertAfter(previous == leftEnd ? nullptr : previous, added);
+    if (isListed)
+    {
+        index.InsertAfter(previous == leftEnd ? nullptr : previous, added);
+    }
     LinkAfter(previous, added);
+    ++size;
+    if (!isListed && size > kShortBeach)
+    {
+        List();
+    }
     return added;
 }
 
@@ -136,12 +147,33 @@ VoronoiHalfEdge* VoronoiBeach::ReplacePair(VoronoiHalfEdge* halfEdge, VoronoiEdg
     VoronoiHalfEdge* second = halfEdge->right;
     VoronoiHalfEdge* added = New();
     added->PutOn(*edge, direction);
-    VoronoiBeachIndex::Replace(halfEdge, added);
-    index.Remove(second);
+    if (isListed)
+    {
+        VoronoiBeachIndex::Replace(halfEdge, added);
+        index.Remove(second);
+    }
     Unlink(halfEdge);
     Unlink(second);
     LinkAfter(previous, added);
+    --size;
+    if (isListed && size < kUnlistedBeach)
+    {
+        index.Clear();
+        isListed = false;
+    }
     return added;
+}
+
+/** Lists the breakpoints in the index, which is empty. */
+void VoronoiBeach::List()
+{
+    const VoronoiHalfEdge* previous = nullptr;
+    for (VoronoiHalfEdge* halfEdge = leftEnd->right; halfEdge != rightEnd; halfEdge = halfEdge->right)
+    {
+        index.InsertAfter(previous, halfEdge);
+        previous = halfEdge;
+    }
+    isListed = true;
 }
 
 VoronoiHalfEdge* VoronoiBeach::New()

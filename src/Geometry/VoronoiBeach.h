@@ -36,12 +36,15 @@ private:
     /** True when the breakpoints near @p found agree that those left of it, and it, are left of @p p, and no others. */
     bool IsOnlyChangeNear(const VoronoiHalfEdge* found, const qPoint64f& p) const;
 
+    void List();
     VoronoiHalfEdge* New();
     void LinkAfter(VoronoiHalfEdge* previous, VoronoiHalfEdge* added);
     void Unlink(VoronoiHalfEdge* removed);
 
     VoronoiArena& arena;
     VoronoiBeachIndex index;
+    bool isListed = false;           // in the index
+    std::int32_t size = 0;           // number of breakpoints
     VoronoiHalfEdge* free = nullptr; // linked by `right`
     VoronoiHalfEdge* leftEnd;
     VoronoiHalfEdge* rightEnd;

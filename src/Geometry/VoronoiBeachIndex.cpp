@@ -29,7 +29,6 @@ void VoronoiBeachIndex::InsertAfter(const VoronoiHalfEdge* previous, VoronoiHalf
     *position = added;
     added->run = run;
     ++run->count;
-    ++size;
 }
 
 void VoronoiBeachIndex::Replace(const VoronoiHalfEdge* removed, VoronoiHalfEdge* added)
@@ -44,14 +43,20 @@ void VoronoiBeachIndex::Remove(const VoronoiHalfEdge* removed)
     VoronoiHalfEdge** position = PositionOf(removed);
     std::copy(position + 1, run->items + run->count, position);
     --run->count;
-    --size;
     if (run->count == 0)
     {
         const std::int32_t place = PlaceOf(run);
         std::copy(table + place + 1, table + numruns, table + place);
         --numruns;
-        run->nextFree = freeRuns;
-        freeRuns = run;
+        Free(run);
+    }
+}
+
+void VoronoiBeachIndex::Clear()
+{
+    while (numruns > 0)
+    {
+        Free(table[--numruns]);
     }
 }
 
@@ -71,6 +76,13 @@ VoronoiBeachRun* VoronoiBeachIndex::NewRun(std::int32_t place)
     table[place] = run;
     ++numruns;
     return run;
+}
+
+void VoronoiBeachIndex::Free(VoronoiBeachRun* run)
+{
+    run->count = 0;
+    run->nextFree = freeRuns;
+    freeRuns = run;
 }
 
 /** Moves the right half of a run to a new one. */

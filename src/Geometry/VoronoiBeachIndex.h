@@ -33,9 +33,6 @@ public:
 
     VoronoiBeachIndex(VoronoiArena& memory, VoronoiBeachRun** tableMemory) : arena(memory), table(tableMemory) {}
 
-    /** Number of breakpoints that are listed. */
-    std::int32_t Size() const { return size; }
-
     /** The last breakpoint for which @p isBefore holds, when it holds for all breakpoints left of some place and for none
      *  right of it; null when it holds for none. */
     template <typename Predicate>
@@ -49,8 +46,12 @@ public:
 
     void Remove(const VoronoiHalfEdge* removed);
 
+    /** Lists nothing any more. */
+    void Clear();
+
 private:
     VoronoiBeachRun* NewRun(std::int32_t place);
+    void Free(VoronoiBeachRun* run);
     void Split(VoronoiBeachRun* run);
     std::int32_t PlaceOf(const VoronoiBeachRun* run) const;
 
@@ -58,7 +59,6 @@ private:
     VoronoiBeachRun** table;
     VoronoiBeachRun* freeRuns = nullptr;
     std::int32_t numruns = 0;
-    std::int32_t size = 0;
 };
 
 template <typename Predicate>

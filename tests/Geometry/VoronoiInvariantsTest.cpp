@@ -117,6 +117,21 @@ TEST(VoronoiInvariants, UniformSites)
     ExpectVoronoi(RandomSites(2000, 30.0, 2), 1e-6);
 }
 
+TEST(VoronoiInvariants, BandsOfSitesBetweenWhichTheBeachLineIsShort)
+{
+    // The beach line has some hundred arcs along a band, and few where a single site has been met for long.
+    Points points;
+    for (int band = 0; band < 6; ++band)
+    {
+        for (const qPoint64f& p : RandomSites(700, 1.0, static_cast<std::uint64_t>(band) + 1))
+        {
+            points.push_back({p.x, 10.0 * band + 0.02 * p.y});
+        }
+        points.push_back({0.5, 10.0 * band + 5.0});
+    }
+    ExpectVoronoi(points, 1e-8);
+}
+
 TEST(VoronoiInvariants, ShiftedSitesKeepWhatTheirCoordinatesHold)
 {
     Points points = RandomSites(400, 50.0, 3);
@@ -150,7 +165,7 @@ TEST(VoronoiInvariants, TurnedGridSites)
     Points points;
     for (const qPoint64f& p : Grid(20, 20))
     {
-        points.push_back({0.8 * p.x - 0.6 * p.y, 0.6 * p.x + 0.8 * p.y});
+        points.push_back({0.8 * p.x - 0.6 * p.y, 0.6 * p.x + 0.02 * p.y});
     }
     ExpectVoronoi(points, 1e-7);
 }

@@ -219,7 +219,17 @@ public:
         const VoronoiHalfEdge* found =
             index.FindLast([key](const VoronoiHalfEdge* halfEdge) { return halfEdge->y < key; });
         EXPECT_EQ(found, place == 0 ? nullptr : list[place - 1]);
-        EXPECT_EQ(index.Size(), static_cast<std::int32_t>(list.size()));
+    }
+
+    /** Empties the index, and lists everything again. */
+    void ListAnew()
+    {
+        index.Clear();
+        EXPECT_EQ(index.FindLast([](const VoronoiHalfEdge* /*halfEdge*/) { return true; }), nullptr);
+        for (std::size_t place = 0; place < list.size(); ++place)
+        {
+            index.InsertAfter(place == 0 ? nullptr : list[place - 1], list[place]);
+        }
     }
 
     std::size_t Size() const { return list.size(); }
@@ -251,6 +261,8 @@ TEST(VoronoiBeachIndex, FindsAmongWhatWasInsertedReplacedAndRemoved)
             both.RemoveAt(random() % both.Size());
             both.ExpectFound(key(random));
         }
+        both.ListAnew();
+        both.ExpectFound(key(random));
     }
 }
 
