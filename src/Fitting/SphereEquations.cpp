@@ -3,7 +3,6 @@
 #include <ZdkVisionLib/platform/qVision.h>
 
 #include "Common/Check.h"
-#include "Fitting/SphereSums.h"
 
 #include <algorithm>
 #include <cmath>

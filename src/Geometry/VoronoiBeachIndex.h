@@ -25,7 +25,7 @@ class VoronoiBeachIndex
 {
 public:
     /** Entries that the table needs at most for @p sites: each site inserts two breakpoints, and from one split of a run
-     *  to the next half of its capacity is inserted. */
+     *  to the next half of its capacity is inserted. To be emptied and filled anew takes no more. */
     static constexpr std::size_t TableSize(std::size_t sites)
     {
         return 2 + 2 * sites / (VoronoiBeachRun::kCapacity / 2);

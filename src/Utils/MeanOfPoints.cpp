@@ -40,7 +40,8 @@ std::size_t AddBlocks(std::span<const qPoint64f> /*points*/, qPoint64f& /*sum*/)
 /** The two coordinates of a point, or something for each of them. */
 using Pair = hn::FixedTag<double, 2>;
 using PairVector = hn::Vec<Pair>;
-using PairBits = hn::Vec<hn::RebindToSigned<Pair>>;
+using PairInts = hn::RebindToSigned<Pair>;
+using PairBits = hn::Vec<PairInts>;
 
 #if HWY_MAX_BYTES >= 32 && !HWY_HAVE_SCALABLE
 using Reals = hn::FixedTag<double, 4>;
@@ -212,8 +213,8 @@ private:
         constexpr std::int64_t kSignAndExponent = ~(2 * kHalf - 1);
         const PairBits bits = BitsOf(sum);
         const PairBits at = hn::Or(hn::And(bits, hn::Set(integers, kSignAndExponent)), hn::Set(integers, kHalf));
-        if (hn::AllTrue(integers,
-                        hn::Eq(at, start))) // mostly, so that a block need not wait for the sum of those before
+        // Mostly, so that a block need not wait for the sum of those before.
+        if (hn::AllTrue(integers, hn::Eq(at, start)))
         {
             return;
         }
@@ -286,8 +287,6 @@ private:
         // A sum that is small beside its terms, as that of points around the origin, goes beyond all the time.
         plainBlocks = inVain == kSegments ? 3 : 0;
     }
-
-    using PairInts = hn::RebindToSigned<Pair>;
 
     PairVector sum;
     PairBits start = hn::Zero(PairInts());

@@ -307,6 +307,41 @@ TEST(FitCircle, EveryOutputMayBeNull)
     }
 }
 
+TEST(FitCircle, EachOutputIsTheSameWithoutTheOthers)
+{
+    Points points;
+    for (int i = 0; i < 50; ++i) // a lobed ring, rough lest two circles are as good
+    {
+        const double angle = i * kPi / 25.0;
+        const double radius = 5.0 + 0.1 * std::cos(3.0 * angle) + 0.01 * std::sin(i * i);
+        points.push_back({radius * std::cos(angle), radius * std::sin(angle)});
+    }
+    for (const int type : {Zvl::CIRCLE_LSC, Zvl::CIRCLE_MZC})
+    {
+        for (const double percent : {0.0, 20.0})
+        {
+            const Outputs all = FitPoints(points, percent, type);
+            const auto fit = [&](double* maxDistance, double* minDistance, Points* maxDistPoints, Points* minDistPoints,
+                                 Points* kept)
+            {
+                Zvl::FitCircle(points.data(), points.size(), percent, static_cast<Zvl::CircleType>(type), nullptr,
+                               nullptr, nullptr, maxDistance, minDistance, maxDistPoints, minDistPoints, kept, nullptr);
+            };
+            Outputs single;
+            fit(&single.maxDistance, nullptr, nullptr, nullptr, nullptr);
+            fit(nullptr, &single.minDistance, nullptr, nullptr, nullptr);
+            fit(nullptr, nullptr, &single.maxDistPoints, nullptr, nullptr);
+            fit(nullptr, nullptr, nullptr, &single.minDistPoints, nullptr);
+            fit(nullptr, nullptr, nullptr, nullptr, &single.kept);
+            EXPECT_EQ(single.maxDistance, all.maxDistance);
+            EXPECT_EQ(single.minDistance, all.minDistance);
+            ExpectPoints(single.maxDistPoints, all.maxDistPoints);
+            ExpectPoints(single.minDistPoints, all.minDistPoints);
+            ExpectPoints(single.kept, all.kept);
+        }
+    }
+}
+
 TEST(FitCircle, ExhaustedMemoryLeavesAllOutputsAsTheyWere)
 {
     const Points points = RoundPart();

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <utility>
 
 namespace Zvl
 {
@@ -88,6 +89,51 @@ TEST(CheckPointInAnnularSector, TheCenterIsTheOriginOfTheRing)
     EXPECT_EQ(CheckPointInAnnularSector(sector, qPoint64f{101, -49}), 1);
     EXPECT_EQ(CheckPointInAnnularSector(sector, qPoint64f{99, -51}), 0);
     EXPECT_EQ(CheckPointInAnnularSector(sector, qPoint64f{1, 1}), 0);
+}
+
+/** The defining rule of a ring without ends about the origin. */
+bool IsInRingByQuotients(double innerRadius, double outerRadius, const qPoint64f& point)
+{
+    const double squaredDistance = point.x * point.x + point.y * point.y;
+    return !(squaredDistance / (innerRadius * innerRadius) < 1.0) &&
+           !(squaredDistance / (outerRadius * outerRadius) > 1.0);
+}
+
+TEST(CheckPointInAnnularSector, ComparesTheQuotientsOfSquaresWithOne)
+{
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> exponent(-545.0, 520.0); // squares from subnormal numbers to infinity
+    int inside = 0;
+    int outside = 0;
+    for (int round = 0; round < 20000; ++round)
+    {
+        const double radius = std::exp2(exponent(random));
+        const double away = round % 2 == 0 ? 0.0 : kInfinity;
+        qPoint64f point = {radius, 0.0};
+        for (int step = 0; step < 3; ++step, point.x = std::nextafter(point.x, away))
+        {
+            for (const auto& [inner, outer] : {std::pair(radius, 1e300), std::pair(0.0, radius)})
+            {
+                const bool expected = IsInRingByQuotients(inner, outer, point);
+                EXPECT_EQ(WholeRingHas(inner, outer, point), expected ? 1 : 0) << radius << ", " << step;
+                ++(expected ? inside : outside);
+            }
+        }
+    }
+    EXPECT_GT(inside, 20000);
+    EXPECT_GT(outside, 20000);
+    const double extremes[] = {0.0, 5e-324, 1e-200, 1.0, 1e200, kInfinity, kNotANumber};
+    for (const double inner : extremes)
+    {
+        for (const double outer : extremes)
+        {
+            for (const double x : extremes)
+            {
+                EXPECT_EQ(WholeRingHas(inner, outer, {x, 0.0}), IsInRingByQuotients(inner, outer, {x, 0.0}) ? 1 : 0)
+                    << inner << ", " << outer << ", " << x;
+            }
+        }
+    }
 }
 
 TEST(CheckPointInAnnularSector, AnInnerRadiusOfZeroExcludesNothing)
