@@ -168,21 +168,25 @@ class RunningSum
 public:
     explicit RunningSum(const qPoint64f& start) : sum(LoadPoint(start)) {}
 
-    void AddBlock(const qPoint64f* points)
+    /** Adds a block, or its first segments.
+     *  @return the number of points that were added */
+    std::size_t AddSome(const qPoint64f* points)
     {
         if (plainBlocks > 0)
         {
             --plainBlocks;
             AddPlainly(points, kBlock);
-            return;
+            return kBlock;
         }
         StartAtSum();
         SegmentMoves segments;
         MoveByBlock(points, even, odd, segments);
-        if (!AddAtOnce(segments))
+        if (AddAtOnce(segments))
         {
-            AddBySegments(points, segments);
+            inVain = 0;
+            return kBlock;
         }
+        return AddBySegments(points, segments);
     }
 
     qPoint64f Sum() const
@@ -271,21 +275,25 @@ private:
         return MoveTo(next, reach);
     }
 
-    /** Adds a block segment by segment, by moves or, where these could go too far, point by point. */
-    void AddBySegments(const qPoint64f* points, const SegmentMoves& segments)
+    /** Adds the segments of a block one by one: by moves, and the first whose moves could go too far point by point. The
+     *  moves of those behind it are from another power of two, as a rule.
+     *  @return the number of points that were added */
+    std::size_t AddBySegments(const qPoint64f* points, const SegmentMoves& segments)
     {
-        std::size_t inVain = 0;
-        for (const PairMoves& moves : segments)
+        std::size_t segment = 0;
+        while (segment < kSegments && MoveTo(Moved(sum, segments[segment]), segments[segment].reach))
         {
-            if (!MoveTo(Moved(sum, moves), moves.reach))
-            {
-                AddPlainly(points, kSteps);
-                ++inVain;
-            }
-            points += kSteps;
+            ++segment;
         }
         // A sum that is small beside its terms, as that of points around the origin, goes beyond all the time.
-        plainBlocks = inVain == kSegments ? 3 : 0;
+        inVain = segment == 0 ? inVain + 1 : 0;
+        plainBlocks = inVain > 1 ? 6 : 0;
+        if (segment == kSegments)
+        {
+            return kBlock;
+        }
+        AddPlainly(points + segment * kSteps, kSteps);
+        return (segment + 1) * kSteps;
     }
 
     PairVector sum;
@@ -296,21 +304,22 @@ private:
     PairVector most = hn::Zero(Pair());
     Vector even = hn::Zero(Reals());
     Vector odd = hn::Zero(Reals());
+    std::size_t inVain = 0;      ///< so many times in a row, the first segment could not be moved by
     std::size_t plainBlocks = 1; ///< that are to come; at first, the sum is zero
 };
 
-/** Adds the points of all whole blocks to @p sum.
+/** Adds points to @p sum as long as they fill a block.
  *  @return their number */
 std::size_t AddBlocks(std::span<const qPoint64f> points, qPoint64f& sum)
 {
-    const std::size_t whole = points.size() / kBlock * kBlock;
     RunningSum running(sum);
-    for (std::size_t begin = 0; begin < whole; begin += kBlock)
+    std::size_t added = 0;
+    while (points.size() - added >= kBlock)
     {
-        running.AddBlock(&points[begin]);
+        added += running.AddSome(&points[added]);
     }
     sum = running.Sum();
-    return whole;
+    return added;
 }
 
 #endif
@@ -328,8 +337,8 @@ HWY_EXPORT(AddBlocks);
 qPoint64f SumOfPoints(std::span<const qPoint64f> points)
 {
     qPoint64f sum = {0.0, 0.0};
-    const std::size_t whole = HWY_DYNAMIC_DISPATCH(AddBlocks)(points, sum);
-    for (const qPoint64f& point : points.subspan(whole))
+    const std::size_t added = HWY_DYNAMIC_DISPATCH(AddBlocks)(points, sum);
+    for (const qPoint64f& point : points.subspan(added))
     {
         sum.x += point.x;
         sum.y += point.y;
