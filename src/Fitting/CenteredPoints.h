@@ -22,6 +22,14 @@ struct Circle
     double radius;
 };
 
+/** The square of the distance of a point from the centre. */
+inline double SquaredDistance(double x, double y, const Circle& circle)
+{
+    const double dx = x - circle.x;
+    const double dy = y - circle.y;
+    return dx * dx + dy * dy;
+}
+
 /** The input about its centroid, each coordinate in an array of its own. A removed point becomes NaN, which
  *  loses every comparison; so do the entries that fill the last block. */
 class CenteredPoints
@@ -54,20 +62,12 @@ public:
     std::size_t FarthestFrom(const Circle& circle) const;
 
 private:
-    static constexpr std::size_t kLanes = 4; // independent extremes, so that the loop runs on vectors
     static constexpr std::size_t kBlock = EquationBlock::kRows;
     static constexpr double kRemoved = std::numeric_limits<double>::quiet_NaN();
 
     static double Residual(double squaredDistance, const Circle& circle)
     {
         return std::fabs(std::sqrt(squaredDistance) - circle.radius);
-    }
-
-    double SquaredDistance(std::size_t index, const Circle& circle) const
-    {
-        const double dx = x[index] - circle.x;
-        const double dy = y[index] - circle.y;
-        return dx * dx + dy * dy;
     }
 
     double LargestResidual(std::size_t begin, const Circle& circle) const;
