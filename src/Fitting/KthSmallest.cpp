@@ -2,8 +2,74 @@
 
 #include <algorithm>
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "Fitting/KthSmallest.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
 namespace Zvl
 {
+namespace HWY_NAMESPACE
+{
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+/** At most 32 bytes: wider vectors take as long for each byte, and leave longer ends. */
+using Reals = hn::CappedTag<double, 4>;
+
+/** A plain loop, which the compiler turns into the vectors of each instruction set. */
+void CountUpTo(const double* values, std::size_t count, double pivot, std::size_t& below, std::size_t& equal)
+{
+    std::size_t less = 0;
+    std::size_t same = 0;
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        less += values[i] < pivot ? 1 : 0;
+        same += values[i] == pivot ? 1 : 0;
+    }
+    below = less;
+    equal = same;
+}
+
+/** Keeps the values below @p pivot, or those above it, at the front, in their order. No branch depends on a value: it would
+ *  be mispredicted, which is what costs most in selecting.
+ *  @return their number */
+std::size_t KeepOneSide(double* values, std::size_t count, double pivot, bool keepBelow)
+{
+    const Reals d;
+    const std::size_t lanes = hn::Lanes(d);
+    const auto pivots = hn::Set(d, pivot);
+    const auto sign = hn::Set(d, keepBelow ? 1.0 : -1.0);
+    const auto signedPivots = hn::Mul(pivots, sign);
+    std::size_t kept = 0;
+    std::size_t i = 0;
+    for (; i + lanes <= count; i += lanes)
+    {
+        const auto next = hn::LoadU(d, values + i);
+        const auto isWanted = hn::Lt(hn::Mul(next, sign), signedPivots);
+        hn::StoreU(hn::Compress(next, isWanted), d, values + kept); // never beyond what has been read
+        kept += hn::CountTrue(d, isWanted);
+    }
+    for (; i < count; ++i)
+    {
+        const double next = values[i];
+        values[kept] = next;
+        kept += (keepBelow ? next < pivot : next > pivot) ? 1 : 0;
+    }
+    return kept;
+}
+
+} // namespace HWY_NAMESPACE
+} // namespace Zvl
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace Zvl
+{
+
+HWY_EXPORT(CountUpTo);
+HWY_EXPORT(KeepOneSide);
 
 namespace
 {
@@ -23,22 +89,6 @@ double Pivot(const double* values, std::size_t count)
     return MedianOf(MedianOf(at(0), at(3), at(6)), MedianOf(at(1), at(4), at(7)), MedianOf(at(2), at(5), at(8)));
 }
 
-/** Keeps the values that @p wanted holds for at the front, in their order. The loop has no branch that could be
- *  predicted wrongly, which is what costs most in selecting.
- *  @return their number */
-template <typename Predicate>
-std::size_t Keep(double* values, std::size_t count, Predicate wanted)
-{
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        const double value = values[i];
-        values[kept] = value;
-        kept += wanted(value) ? 1 : 0;
-    }
-    return kept;
-}
-
 } // namespace
 
 // C. A. R. Hoare, Algorithm 65: Find, Communications of the ACM 4(7), 1961, with the part that is not wanted dropped. Bad
@@ -50,27 +100,18 @@ double KthSmallest(double* values, std::size_t count, std::size_t k)
         const double pivot = Pivot(values, count);
         std::size_t below = 0;
         std::size_t equal = 0;
-        for (std::size_t i = 0; i < count; ++i)
-        {
-            below += values[i] < pivot ? 1 : 0;
-            equal += values[i] == pivot ? 1 : 0;
-        }
-        if (k < below)
-        {
-            count = Keep(values, count, [pivot](double value) { return value < pivot; });
-        }
-        else if (k < below + equal)
+        HWY_DYNAMIC_DISPATCH(CountUpTo)(values, count, pivot, below, equal);
+        if (k >= below && k < below + equal)
         {
             return pivot;
         }
-        else
-        {
-            count = Keep(values, count, [pivot](double value) { return value > pivot; });
-            k -= below + equal;
-        }
+        const bool isBelow = k < below;
+        k -= isBelow ? 0 : below + equal;
+        count = HWY_DYNAMIC_DISPATCH(KeepOneSide)(values, count, pivot, isBelow);
     }
     std::nth_element(values, values + k, values + count);
     return values[k];
 }
 
 } // namespace Zvl
+#endif

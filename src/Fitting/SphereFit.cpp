@@ -53,7 +53,7 @@ void FitWithRejection(const qPoint3d64f* points, std::size_t count, double outli
 {
     std::size_t toReject = CountToReject(count, outlierPercent, kMinimumPoints);
     const std::size_t batch = BatchSize(toReject, maxPasses);
-    SphereRejection rejection(points, count, batch);
+    SphereRejection rejection(points, count);
     equations.PrepareSolve();
     Sphere sphere = equations.Solve();
     while (toReject > 0)

@@ -1,9 +1,9 @@
 #include "Fitting/SphereRejection.h"
 
+#include "Fitting/KthSmallest.h"
+#include "Fitting/SphereResiduals.h"
+
 #include <algorithm>
-#include <cmath>
-#include <functional>
-#include <limits>
 
 namespace Zvl
 {
@@ -11,39 +11,30 @@ namespace Zvl
 namespace
 {
 
-/** | distance from the centre - radius |; -1 where that is not a number, so that residuals can be put in
- *  order. */
-double Residual(const qPoint3d64f& point, const Sphere& sphere)
-{
-    const double x = point.x - sphere.center.x;
-    const double y = point.y - sphere.center.y;
-    const double z = point.z - sphere.center.z;
-    const double residual = std::fabs(std::sqrt(x * x + y * y + z * z) - sphere.radius);
-    return residual >= 0.0 ? residual : -1.0;
-}
+constexpr double kRejected = -2.0; // less than any residual
 
 } // namespace
 
-SphereRejection::SphereRejection(const qPoint3d64f* inputPoints, std::size_t count, std::size_t batch)
-    : points(inputPoints), keptFinal(count, true), outlierIndices(batch)
+SphereRejection::SphereRejection(const qPoint3d64f* inputPoints, std::size_t count)
+    : points(inputPoints, count), keptFinal(count, true)
 {
-    pointDistList.reserve(batch > 1 ? count : 0);
 }
 
 void SphereRejection::Reject(const Sphere& sphere, std::size_t batch, SphereEquations& equations)
 {
-    outlierIndices.resize(batch);
+    Measure(sphere);
     if (batch == 1)
     {
-        outlierIndices[0] = Farthest(sphere);
+        outlierIndices = {Farthest()};
     }
     else
     {
-        FindFarthest(sphere);
+        FindFarthest(batch);
     }
     for (const std::size_t index : outlierIndices)
     {
         keptFinal[index] = false;
+        rejected.push_back(index);
         outlierPointsLocal.push_back(points[index]);
         equations.Subtract(points[index]);
     }
@@ -52,7 +43,7 @@ void SphereRejection::Reject(const Sphere& sphere, std::size_t batch, SphereEqua
 std::vector<qPoint3d64f> SphereRejection::KeptPoints() const
 {
     std::vector<qPoint3d64f> kept;
-    kept.reserve(keptFinal.size() - outlierPointsLocal.size());
+    kept.reserve(keptFinal.size() - rejected.size());
     for (std::size_t i = 0; i < keptFinal.size(); ++i)
     {
         if (keptFinal[i])
@@ -63,44 +54,42 @@ std::vector<qPoint3d64f> SphereRejection::KeptPoints() const
     return kept;
 }
 
-std::size_t SphereRejection::Farthest(const Sphere& sphere) const
+void SphereRejection::Measure(const Sphere& sphere)
 {
-    double largest = std::numeric_limits<double>::lowest();
-    std::size_t farthest = 0;
-    for (std::size_t i = 0; i < keptFinal.size(); ++i)
+    residuals.resize(points.size());
+    MeasureResiduals(points, sphere, residuals.data());
+    for (const std::size_t index : rejected)
     {
-        if (!keptFinal[i])
-        {
-            continue;
-        }
-        const double residual = Residual(points[i], sphere);
-        if (residual > largest)
-        {
-            largest = residual;
-            farthest = i;
-        }
+        residuals[index] = kRejected;
     }
-    return farthest;
+}
+
+std::size_t SphereRejection::Farthest() const
+{
+    const auto farthest = std::find(residuals.begin(), residuals.end(), LargestOf(residuals));
+    return static_cast<std::size_t>(farthest - residuals.begin());
 }
 
 /** Fills `outlierIndices` with the indices of the largest residuals, in descending order of index. */
-void SphereRejection::FindFarthest(const Sphere& sphere)
+void SphereRejection::FindFarthest(std::size_t batch)
 {
-    pointDistList.clear();
-    for (std::size_t i = 0; i < keptFinal.size(); ++i)
+    ordered = residuals;
+    const double limit = KthSmallest(ordered.data(), ordered.size(), ordered.size() - batch);
+    const auto beyond =
+        std::count_if(residuals.begin(), residuals.end(), [limit](double residual) { return residual > limit; });
+    std::size_t equals = batch - static_cast<std::size_t>(beyond); // to be taken of those at the limit
+    std::size_t found = 0;
+    outlierIndices.resize(batch + 1);
+    for (std::size_t i = 0; i < residuals.size(); ++i)
     {
-        if (keptFinal[i])
-        {
-            pointDistList.emplace_back(Residual(points[i], sphere), i);
-        }
+        // Written at all events: a branch would be mispredicted at each of the few.
+        outlierIndices[found] = i;
+        const std::size_t taken = residuals[i] == limit && equals > 0 ? 1 : 0;
+        equals -= taken;
+        found += taken + (residuals[i] > limit ? 1 : 0);
     }
-    const auto batchEnd = pointDistList.begin() + static_cast<std::ptrdiff_t>(outlierIndices.size());
-    std::nth_element(pointDistList.begin(), batchEnd, pointDistList.end(),
-                     [](const ResidualAndIndex& a, const ResidualAndIndex& b)
-                     { return a.first != b.first ? a.first > b.first : a.second < b.second; });
-    std::transform(pointDistList.begin(), batchEnd, outlierIndices.begin(),
-                   [](const ResidualAndIndex& pair) { return pair.second; });
-    std::sort(outlierIndices.begin(), outlierIndices.end(), std::greater<>());
+    outlierIndices.resize(batch);
+    std::reverse(outlierIndices.begin(), outlierIndices.end());
 }
 
 } // namespace Zvl

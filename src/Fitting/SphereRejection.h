@@ -5,6 +5,7 @@
 
 #include "Fitting/SphereEquations.h"
 
+#include <span>
 #include <vector>
 
 namespace Zvl
@@ -14,8 +15,7 @@ namespace Zvl
 class SphereRejection
 {
 public:
-    /** @param batch the most points that one call of Reject() will be asked for */
-    SphereRejection(const qPoint3d64f* inputPoints, std::size_t count, std::size_t batch);
+    SphereRejection(const qPoint3d64f* inputPoints, std::size_t count);
 
     /** Rejects the @p batch points farthest from @p sphere; among equal distances the lowest index goes first. */
     void Reject(const Sphere& sphere, std::size_t batch, SphereEquations& equations);
@@ -27,15 +27,16 @@ public:
     std::vector<qPoint3d64f>& OutlierPoints() { return outlierPointsLocal; }
 
 private:
-    using ResidualAndIndex = std::pair<double, std::size_t>;
+    void Measure(const Sphere& sphere);
+    std::size_t Farthest() const;
+    void FindFarthest(std::size_t batch);
 
-    std::size_t Farthest(const Sphere& sphere) const;
-    void FindFarthest(const Sphere& sphere);
-
-    const qPoint3d64f* points;
+    std::span<const qPoint3d64f> points;
     std::vector<bool> keptFinal;
-    std::vector<ResidualAndIndex> pointDistList;
-    std::vector<std::size_t> outlierIndices;
+    std::vector<double> residuals; ///< of the kept points; less than any residual for the others
+    std::vector<double> ordered;
+    std::vector<std::size_t> outlierIndices; ///< of the batch
+    std::vector<std::size_t> rejected;       ///< all indices so far
     std::vector<qPoint3d64f> outlierPointsLocal;
 };
 
