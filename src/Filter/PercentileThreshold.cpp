@@ -5,6 +5,7 @@
 #include "Common/Rounding.h"
 #include "Common/SelectedCells.h"
 #include "Filter/CellItems.h"
+#include "Utils/HeightRangeKernel.h"
 
 #include <algorithm>
 
@@ -47,13 +48,18 @@ struct MaskedWindow
     Cells<std::uint8_t> mask;
     Rect2d<int> rect;
 
+    const Cell* CellsOfRow(std::size_t row) const
+    {
+        return source.Row(static_cast<std::size_t>(rect.y) + row) + rect.x;
+    }
+
     /** Calls `visit(maskCell, value)` for each selected cell, row after row. */
     template <typename Values, typename Visit>
     void ForEachValue(Values& values, Visit visit) const
     {
         for (std::size_t row = 0; row < mask.rows; ++row)
         {
-            const Cell* cells = source.Row(static_cast<std::size_t>(rect.y) + row) + rect.x;
+            const Cell* cells = CellsOfRow(row);
             std::uint8_t* selected = mask.Row(row);
             values.StartRow(row);
             ForEachSelected(selected, mask.columns,
@@ -86,31 +92,51 @@ bool RanksBefore(T a, T b)
     }
 }
 
+/** @param known a rank up to the wanted one that was asked for before: what lies before it is out of the question; or 0 */
 template <typename T>
-T ValueOfRank(std::vector<T>& filterPixels, std::ptrdiff_t rank)
+T ValueOfRank(std::vector<T>& filterPixels, std::ptrdiff_t rank, std::ptrdiff_t known)
 {
-    std::nth_element(filterPixels.begin(), filterPixels.begin() + rank, filterPixels.end(), RanksBefore<T>);
+    std::nth_element(filterPixels.begin() + known, filterPixels.begin() + rank, filterPixels.end(), RanksBefore<T>);
     return filterPixels[static_cast<std::size_t>(rank)];
+}
+
+/** Clears the selected cells whose value is outside the limits. */
+template <typename T, typename Values, typename Cell>
+void ClearOutside(const MaskedWindow<Cell>& window, Values& values, T lowest, T highest)
+{
+    constexpr std::uint8_t disablePixel = 0;
+    if constexpr (std::is_same_v<T, std::int16_t>)
+    {
+        for (std::size_t row = 0; row < window.mask.rows; ++row)
+        {
+            ClearOutsideHeights(window.CellsOfRow(row), lowest, highest, window.mask.Row(row), window.mask.columns);
+        }
+    }
+    else
+    {
+        window.ForEachValue(values,
+                            [&](std::uint8_t& cell, T value)
+                            {
+                                if (value < lowest || value > highest)
+                                {
+                                    cell = disablePixel;
+                                }
+                            });
+    }
 }
 
 /** Ranks the selected values and clears the cells outside the limits. */
 template <typename T, typename Values, typename Cell>
 void ClearOutsidePercentiles(const MaskedWindow<Cell>& window, Values values, double low, double high)
 {
-    constexpr std::uint8_t disablePixel = 0;
     std::vector<T> filterPixels;
     filterPixels.reserve(CountSelected(window.mask.data, window.mask.rows * window.mask.columns));
     window.ForEachValue(values, [&](std::uint8_t&, T value) { filterPixels.push_back(value); });
-    const T lowest = ValueOfRank(filterPixels, RankOf(low, filterPixels.size()));
-    const T highest = ValueOfRank(filterPixels, RankOf(high, filterPixels.size()));
-    window.ForEachValue(values,
-                        [&](std::uint8_t& cell, T value)
-                        {
-                            if (value < lowest || value > highest)
-                            {
-                                cell = disablePixel;
-                            }
-                        });
+    const std::ptrdiff_t lowIndex = RankOf(low, filterPixels.size());
+    const std::ptrdiff_t highIndex = RankOf(high, filterPixels.size());
+    const T lowest = ValueOfRank(filterPixels, lowIndex, 0);
+    const T highest = ValueOfRank(filterPixels, highIndex, lowIndex);
+    ClearOutside(window, values, lowest, highest);
 }
 
 } // namespace
