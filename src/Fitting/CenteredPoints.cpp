@@ -19,8 +19,9 @@ namespace HWY_NAMESPACE
 /* Plain loops, which the compiler turns into the vectors of each instruction set. */
 
 constexpr std::size_t kBlock = EquationBlock::kRows;
-constexpr std::size_t kLanes =
-    8; // independent extremes, so that loops run on vectors, and these do not wait for one another
+
+/** Extremes that are kept side by side, so that loops run on vectors, and these do not wait for one another. */
+constexpr std::size_t kLanes = 8;
 
 void TakeApart(std::span<const qPoint64f> points, const qPoint64f& centroid, double* HWY_RESTRICT x,
                double* HWY_RESTRICT y)

@@ -2,12 +2,14 @@
 
 #include "Fitting/CircleAlgebraic.h"
 #include "Fitting/CircleThroughPoints.h"
+#include "Fitting/FirstIndices.h"
 #include "Fitting/KthSmallest.h"
 #include "Fitting/RadialErrors.h"
 #include "Fitting/RandomPoints.h"
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace Zvl
 {
@@ -108,20 +110,8 @@ double CircleTrimmedSearch::ErrorAt(std::size_t position)
 double CircleTrimmedSearch::FindNearest(std::size_t number)
 {
     const double limit = ErrorAt(number - 1);
-    std::size_t below = 0;
-    for (const double error : errors)
-    {
-        below += error < limit ? 1 : 0;
-    }
-    std::size_t equals = number - below; // to be taken of those at the limit
-    nearestCount = 0;
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        nearest[nearestCount] = i;
-        const std::size_t taken = errors[i] == limit && equals > 0 ? 1 : 0;
-        equals -= taken;
-        nearestCount += taken + (errors[i] < limit ? 1 : 0);
-    }
+    WriteFirstIndices(errors, limit, number, std::less<>(), nearest.data());
+    nearestCount = number;
     return limit;
 }
 

@@ -39,9 +39,8 @@ std::size_t KeepOneSide(double* values, std::size_t count, double pivot, bool ke
 {
     const Reals d;
     const std::size_t lanes = hn::Lanes(d);
-    const auto pivots = hn::Set(d, pivot);
     const auto sign = hn::Set(d, keepBelow ? 1.0 : -1.0);
-    const auto signedPivots = hn::Mul(pivots, sign);
+    const auto signedPivots = hn::Set(d, keepBelow ? pivot : -pivot);
     std::size_t kept = 0;
     std::size_t i = 0;
     for (; i + lanes <= count; i += lanes)

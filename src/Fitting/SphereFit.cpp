@@ -65,6 +65,8 @@ void FitWithRejection(const qPoint3d64f* points, std::size_t count, double outli
     }
 
     std::vector<qPoint3d64f> kept = outputs.keptPoints != nullptr ? rejection.KeptPoints() : std::vector<qPoint3d64f>();
+    std::vector<qPoint3d64f> outliers =
+        outputs.outlierPoints != nullptr ? rejection.OutlierPoints() : std::vector<qPoint3d64f>();
     outputs.Write(sphere);
     if (outputs.keptPoints != nullptr)
     {
@@ -72,7 +74,7 @@ void FitWithRejection(const qPoint3d64f* points, std::size_t count, double outli
     }
     if (outputs.outlierPoints != nullptr)
     {
-        outputs.outlierPoints->swap(rejection.OutlierPoints());
+        outputs.outlierPoints->swap(outliers);
     }
 }
 

@@ -1,9 +1,11 @@
 #include "Fitting/SphereRejection.h"
 
+#include "Fitting/FirstIndices.h"
 #include "Fitting/KthSmallest.h"
 #include "Fitting/SphereResiduals.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace Zvl
 {
@@ -15,10 +17,7 @@ constexpr double kRejected = -2.0; // less than any residual
 
 } // namespace
 
-SphereRejection::SphereRejection(const qPoint3d64f* inputPoints, std::size_t count)
-    : points(inputPoints, count), keptFinal(count, true)
-{
-}
+SphereRejection::SphereRejection(const qPoint3d64f* inputPoints, std::size_t count) : points(inputPoints, count) {}
 
 void SphereRejection::Reject(const Sphere& sphere, std::size_t batch, SphereEquations& equations)
 {
@@ -33,18 +32,21 @@ void SphereRejection::Reject(const Sphere& sphere, std::size_t batch, SphereEqua
     }
     for (const std::size_t index : outlierIndices)
     {
-        keptFinal[index] = false;
         rejected.push_back(index);
-        outlierPointsLocal.push_back(points[index]);
         equations.Subtract(points[index]);
     }
 }
 
 std::vector<qPoint3d64f> SphereRejection::KeptPoints() const
 {
+    std::vector<bool> keptFinal(points.size(), true);
+    for (const std::size_t index : rejected)
+    {
+        keptFinal[index] = false;
+    }
     std::vector<qPoint3d64f> kept;
-    kept.reserve(keptFinal.size() - rejected.size());
-    for (std::size_t i = 0; i < keptFinal.size(); ++i)
+    kept.reserve(points.size() - rejected.size());
+    for (std::size_t i = 0; i < points.size(); ++i)
     {
         if (keptFinal[i])
         {
@@ -52,6 +54,14 @@ std::vector<qPoint3d64f> SphereRejection::KeptPoints() const
         }
     }
     return kept;
+}
+
+std::vector<qPoint3d64f> SphereRejection::OutlierPoints() const
+{
+    std::vector<qPoint3d64f> outlierPointsLocal(rejected.size());
+    std::transform(rejected.begin(), rejected.end(), outlierPointsLocal.begin(),
+                   [this](std::size_t index) { return points[index]; });
+    return outlierPointsLocal;
 }
 
 void SphereRejection::Measure(const Sphere& sphere)
@@ -75,19 +85,8 @@ void SphereRejection::FindFarthest(std::size_t batch)
 {
     ordered = residuals;
     const double limit = KthSmallest(ordered.data(), ordered.size(), ordered.size() - batch);
-    const auto beyond =
-        std::count_if(residuals.begin(), residuals.end(), [limit](double residual) { return residual > limit; });
-    std::size_t equals = batch - static_cast<std::size_t>(beyond); // to be taken of those at the limit
-    std::size_t found = 0;
     outlierIndices.resize(batch + 1);
-    for (std::size_t i = 0; i < residuals.size(); ++i)
-    {
-        // Written at all events: a branch would be mispredicted at each of the few.
-        outlierIndices[found] = i;
-        const std::size_t taken = residuals[i] == limit && equals > 0 ? 1 : 0;
-        equals -= taken;
-        found += taken + (residuals[i] > limit ? 1 : 0);
-    }
+    WriteFirstIndices(residuals, limit, batch, std::greater<>(), outlierIndices.data());
     outlierIndices.resize(batch);
     std::reverse(outlierIndices.begin(), outlierIndices.end());
 }

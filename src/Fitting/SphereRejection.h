@@ -24,7 +24,7 @@ public:
     std::vector<qPoint3d64f> KeptPoints() const;
 
     /** The rejected points in order of rejection, within a batch by descending index. */
-    std::vector<qPoint3d64f>& OutlierPoints() { return outlierPointsLocal; }
+    std::vector<qPoint3d64f> OutlierPoints() const;
 
 private:
     void Measure(const Sphere& sphere);
@@ -32,12 +32,10 @@ private:
     void FindFarthest(std::size_t batch);
 
     std::span<const qPoint3d64f> points;
-    std::vector<bool> keptFinal;
-    std::vector<double> residuals; ///< of the kept points; less than any residual for the others
-    std::vector<double> ordered;
+    std::vector<double> residuals;           ///< of the kept points; less than any residual for the others
+    std::vector<double> ordered;             ///< the same while the limit of a batch is selected
     std::vector<std::size_t> outlierIndices; ///< of the batch
-    std::vector<std::size_t> rejected;       ///< all indices so far
-    std::vector<qPoint3d64f> outlierPointsLocal;
+    std::vector<std::size_t> rejected;       ///< all indices so far, in order of rejection
 };
 
 } // namespace Zvl

@@ -52,6 +52,19 @@ TEST(ThresholdPercentile, MissingHeightsThatAreSelectedTakePart)
     EXPECT_EQ(Heights({-32768, 1, 2}, 0.0, 50.0), (Mask{1, 1, 0}));
 }
 
+TEST(ThresholdPercentile, RanksTheCellsOfItsWindow)
+{
+    Surface surface = TestSupport::MakeSurface(3, 4, {1, 2, 3, 4, 5, 60, 10, 8, 9, 20, 40, 12});
+    surface.layers.push_back(MakeArray<std::uint8_t>(3, 4, {1, 2, 3, 4, 5, 60, 10, 8, 9, 20, 40, 12}));
+    const Rect2d<int> window = {1, 1, 2, 2}; // 60 10 / 20 40
+    const Zo::Object<void*> byHeight = MakeFilled<std::uint8_t>(2, 2, 1);
+    ThresholdPercentile<short>(surface, 0.0, 50.0, window, byHeight);
+    EXPECT_EQ(CellsIn<std::uint8_t>(byHeight), (Mask{0, 1, 1, 1}));
+    const Zo::Object<void*> byIntensity = MakeFilled<std::uint8_t>(2, 2, 1);
+    ThresholdPercentile<unsigned char>(surface, 50.0, 100.0, window, byIntensity);
+    EXPECT_EQ(CellsIn<std::uint8_t>(byIntensity), (Mask{1, 0, 0, 1}));
+}
+
 TEST(ThresholdPercentile, IntensitiesAreThoseOfTheSecondLayer)
 {
     Surface surface = TestSupport::MakeSurface(1, 3, {1, 2, 3});
