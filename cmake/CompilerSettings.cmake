@@ -14,7 +14,9 @@ endif()
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+    # Precompiled headers hold times and macros, which would keep what includes them out of the cache.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE_PROGRAM})
 endif()
 
 # Under the sanitizers and for the linter it is enough to build kernels for two instruction sets.
@@ -36,6 +38,26 @@ function(zdk_settings target)
         -Wall -Wextra -Wpedantic -Wconversion
         -ffp-contract=off
         -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+endfunction()
+
+set(ZDK_PRECOMPILED "" CACHE STRING "Folders whose sources read the headers that most of them include once: src, tests")
+
+# zdk_precompile(folder target header): what a target precompiles serves all targets of the folder that come after it, which
+# share its compiler options.
+function(zdk_precompile folder target header)
+    if(NOT folder IN_LIST ZDK_PRECOMPILED)
+        return()
+    endif()
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        target_compile_options(${target} PRIVATE -fpch-preprocess) # shows the precompiled header to ccache
+    endif()
+    get_property(first GLOBAL PROPERTY ZDK_PRECOMPILED_BY_${folder})
+    if(first)
+        target_precompile_headers(${target} REUSE_FROM ${first})
+    else()
+        target_precompile_headers(${target} PRIVATE ${header})
+        set_property(GLOBAL PROPERTY ZDK_PRECOMPILED_BY_${folder} ${target})
+    endif()
 endfunction()
 
 # zdk_harden(target objects): what a library in a long-running process should have at hand against its own mistakes: checked

@@ -1,8 +1,8 @@
 #pragma once
 
 /** @file
- *  What most tests include, read once where all of them are built for a single run: with a sanitizer or the second
- *  compiler. Elsewhere each test shows that it includes what it uses. */
+ *  What most tests include, read once in most builds (`ZDK_PRECOMPILED`). In the debug build each test shows that it
+ *  includes what it uses. */
 
 #include <ZdkVisionLib/ZdkVisionLib.h>
 
