@@ -23,19 +23,23 @@ public:
         double high;
     };
 
+    // Two for each of the two curves, one for each of the two rays.
+    static constexpr std::size_t kMost = 6;
+
     void Clear() { count = 0; }
     void Add(double low, double high) { ranges[count++] = {low, high}; }
 
     /** Says that the outer curve has no more ranges than those until now. */
     void EndOuter() { outerCount = count; }
-    bool IsOfOuter(const Range& range) const { return &range < ranges.data() + outerCount; }
+
+    std::size_t Count() const { return count; }
+    std::size_t CountOfOuter() const { return outerCount; }
 
     const Range* begin() const { return ranges.data(); }
     const Range* end() const { return ranges.data() + count; }
 
 private:
-    // Two for each of the two curves, one for each of the two rays.
-    std::array<Range, 6> ranges = {};
+    std::array<Range, kMost> ranges = {};
     std::size_t count = 0;
     std::size_t outerCount = 0;
 };

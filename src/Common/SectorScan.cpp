@@ -1,11 +1,11 @@
 #include "Common/SectorScan.h"
 
-#include "Common/Rounding.h"
 #include "Common/RowShare.h"
 #include "Common/SectorOutline.h"
 #include "Geometry/SectorTest.h"
 
 #include <cmath>
+#include <limits>
 
 namespace Zvl
 {
@@ -60,11 +60,13 @@ public:
           step(receiver.scale->x),
           columnsPerUnit(1.0 / step)
     {
-        fromCenter.reserve(positions.size());
+        fromCenter.reserve(positions.size() + 2);
+        fromCenter.push_back(kNoNumber);
         for (const double x : positions)
         {
             fromCenter.push_back(x - centerX);
         }
+        fromCenter.push_back(kNoNumber);
     }
 
     int Count() const { return static_cast<int>(positions.size()); }
@@ -73,18 +75,19 @@ public:
     /** True when columns can be searched for by their distance from the centre. */
     bool AreSearchable() const
     {
-        return step > 0.0 && std::isfinite(fromCenter.front()) && std::isfinite(fromCenter.back()) &&
-               std::is_sorted(fromCenter.begin(), fromCenter.end());
+        return step > 0.0 && std::isfinite(First()) && std::isfinite(Last()) &&
+               std::is_sorted(fromCenter.begin() + 1, fromCenter.end() - 1);
     }
 
     /** The largest distance from the centre along x. */
-    double Reach() const { return std::fmax(std::fabs(fromCenter.front()), std::fabs(fromCenter.back())); }
+    double Reach() const { return std::fmax(std::fabs(First()), std::fabs(Last())); }
 
     /** The first column at @p distance from the centre or right of it: a guess, and a walk to where it is true. */
     int FirstFrom(double distance) const
     {
-        int column = std::clamp(TruncateToInt((distance - fromCenter.front()) * columnsPerUnit), 0, Count());
-        while (column > 0 && fromCenter[static_cast<std::size_t>(column) - 1] >= distance)
+        const double guess = (distance - First()) * columnsPerUnit;
+        int column = !(guess > 0.0) ? 0 : guess < Count() ? static_cast<int>(guess) : Count();
+        while (FromCenter(column - 1) >= distance)
         {
             --column;
         }
@@ -94,7 +97,7 @@ public:
     /** The same, if it is @p column or right of it. */
     int FirstFrom(double distance, int column) const
     {
-        while (column < Count() && fromCenter[static_cast<std::size_t>(column)] < distance)
+        while (FromCenter(column) < distance)
         {
             ++column;
         }
@@ -102,8 +105,14 @@ public:
     }
 
 private:
+    static constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+
+    double First() const { return fromCenter[1]; }
+    double Last() const { return fromCenter[positions.size()]; }
+    double FromCenter(int column) const { return fromCenter[static_cast<std::size_t>(column + 1)]; }
+
     std::vector<double> positions;
-    std::vector<double> fromCenter;
+    std::vector<double> fromCenter; // between two that are not a number, where every walk ends
     double step;
     double columnsPerUnit;
 };
@@ -118,26 +127,35 @@ public:
           outline(outline),
           columns(columns),
           centerY(centerY),
+          reach(columns.Reach()),
           searchable(outline.IsRegular() && columns.AreSearchable())
     {
     }
 
     void Fill(double y, MaskRow& row)
     {
-        if (!searchable || !outline.Locate(y - centerY, columns.Reach(), outlineRanges))
+        if (!searchable || !outline.Locate(y - centerY, reach, ranges))
         {
             TestEach(0, columns.Count(), y, row);
             return;
         }
         LocateUncertain();
-        int column = outer.first;
-        for (std::size_t i = 0; i < uncertainCount && column < outer.end; ++i)
+        const Crossings crossings = {ranges.CountOfOuter(), ranges.Count(), y > centerY};
+        if (crossings != known || !AreInOrder())
         {
-            const Span& span = uncertain[i];
-            FillCertain(column, span.first, y, row);
+            known = crossings;
+            PutInOrder();
+            answers.fill(Answer::Unknown);
+        }
+        int column = 0;
+        for (std::size_t i = 0; i < ranges.Count(); ++i)
+        {
+            const Span& span = uncertain[order[i]];
+            FillCertain({column, span.first}, y, answers[i], row);
             TestEach(std::max(column, span.first), span.end, y, row);
             column = std::max(column, span.end);
         }
+        FillCertain({column, columns.Count()}, y, answers[ranges.Count()], row);
     }
 
 private:
@@ -147,31 +165,61 @@ private:
         int end;
     };
 
-    /** The columns within the outline's ranges, in ascending order, and those that the outer curve encloses. */
+    /** What the outline's curves have in common on rows that they cross in the same way. The rays are taken for whole lines,
+     *  so that the side of the centre counts, too. */
+    struct Crossings
+    {
+        std::size_t ofOuter;
+        std::size_t all;
+        bool isAbove;
+
+        bool operator==(const Crossings&) const = default;
+    };
+
+    /** Whether the cells of a stretch that no curve passes belong to the sector. */
+    enum class Answer : std::uint8_t
+    {
+        Unknown,
+        Outside,
+        Inside
+    };
+
+    /** The columns within the outline's ranges. */
     void LocateUncertain()
     {
-        uncertainCount = 0;
-        outer = {columns.Count(), 0};
-        for (const OutlineRanges::Range& range : outlineRanges)
+        std::size_t count = 0;
+        for (const OutlineRanges::Range& range : ranges)
         {
             const int first = columns.FirstFrom(range.low);
-            const Span span = {first, columns.FirstFrom(range.high, first)}; // narrow, as a rule between two columns
-            Insert(span);
-            if (outlineRanges.IsOfOuter(range))
-            {
-                outer = {std::min(outer.first, span.first), std::max(outer.end, span.end)};
-            }
+            uncertain[count++] = {first, columns.FirstFrom(range.high, first)}; // narrow, as a rule between two columns
         }
     }
 
-    void Insert(const Span& span)
+    /** True when the curves pass this row in the order of the row before, so that each stretch lies on the same side of each
+     *  curve as there, and in the sector if it did there. */
+    bool AreInOrder() const
     {
-        std::size_t place = uncertainCount++;
-        for (; place > 0 && uncertain[place - 1].first > span.first; --place)
+        for (std::size_t i = 1; i < known.all; ++i)
         {
-            uncertain[place] = uncertain[place - 1];
+            if (uncertain[order[i]].first < uncertain[order[i - 1]].first)
+            {
+                return false;
+            }
         }
-        uncertain[place] = span;
+        return true;
+    }
+
+    void PutInOrder()
+    {
+        for (std::size_t i = 0; i < known.all; ++i)
+        {
+            std::size_t place = i;
+            for (; place > 0 && uncertain[order[place - 1]].first > uncertain[i].first; --place)
+            {
+                order[place] = order[place - 1];
+            }
+            order[place] = i;
+        }
     }
 
     void TestEach(int first, int end, double y, MaskRow& row) const
@@ -182,12 +230,20 @@ private:
         }
     }
 
-    /** No outline passes these columns, so that one answers for all. */
-    void FillCertain(int first, int end, double y, MaskRow& row) const
+    /** One cell answers for all between two curves. */
+    void FillCertain(const Span& span, double y, Answer& answer, MaskRow& row) const
     {
-        if (first < end && test(columns.Position(first), y))
+        if (span.first >= span.end)
         {
-            row.Fill(first, end - 1, 1);
+            return;
+        }
+        if (answer == Answer::Unknown)
+        {
+            answer = test(columns.Position(span.first), y) ? Answer::Inside : Answer::Outside;
+        }
+        if (answer == Answer::Inside)
+        {
+            row.Fill(span.first, span.end - 1, 1);
         }
     }
 
@@ -195,11 +251,13 @@ private:
     const SectorOutline& outline;
     const Columns& columns;
     double centerY;
+    double reach;
     bool searchable;
-    OutlineRanges outlineRanges;
-    std::array<Span, 6> uncertain = {};
-    std::size_t uncertainCount = 0;
-    Span outer = {}; // beyond it, no cell belongs to the sector
+    OutlineRanges ranges;
+    std::array<Span, OutlineRanges::kMost> uncertain = {};
+    Crossings known = {};
+    std::array<std::size_t, OutlineRanges::kMost> order = {};  // of the curves, from left to right
+    std::array<Answer, OutlineRanges::kMost + 1> answers = {}; // left of all curves, between the first two, and so on
 };
 
 template <typename Test, typename Sector>
