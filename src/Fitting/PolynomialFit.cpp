@@ -29,7 +29,7 @@ constexpr double kLeastPivot = 1.1920928955078125e-07;
 class NormalMatrix
 {
 public:
-    explicit NormalMatrix(std::span<const double> powerSums) : P(powerSums), size(powerSums.size() / 2) {}
+    explicit NormalMatrix(std::span<const double> powerSums) : P(powerSums), size(powerSums.size() / 2 + 1) {}
 
     /** @return false when a pivot is too small */
     bool Invert()

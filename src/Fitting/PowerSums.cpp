@@ -41,19 +41,24 @@ HWY_INLINE Vector AddByPoint(const Vector& sums, const Vector (&terms)[kMostTerm
 }
 
 /** The sums of a point wait for those of the point before, but each term for itself: four of them are added at once.
- *  @param powers,products numbers of terms
+ *  @param degree of the polynomial: terms are the powers of x from 1 to twice as much, and the products
  *  @return the number of points that were added, the first ones */
-std::size_t AddWholeVectors(const double* x, const double* y, std::size_t count, std::size_t powers,
-                            std::size_t products, double* sums)
+std::size_t AddWholeVectors(const double* x, const double* y, std::size_t count, std::size_t degree, double* sums)
 {
     constexpr std::size_t kPoints = kVectors * kLanes;
     const Reals d;
-    const std::size_t used = powers + products;
+    const std::size_t powers = 2 * degree;
+    const std::size_t used = powers + degree + 1;
     if (used > kMostTerms)
     {
         return 0;
     }
     const std::size_t whole = count / kPoints * kPoints;
+    Vector totals[kMostTerms / kLanes];
+    for (std::size_t first = 0; first < used; first += kLanes)
+    {
+        totals[first / kLanes] = hn::LoadU(d, sums + first);
+    }
     Vector terms[kVectors][kMostTerms];
     for (auto& vector : terms)
     {
@@ -65,34 +70,39 @@ std::size_t AddWholeVectors(const double* x, const double* y, std::size_t count,
         {
             const auto pointX = hn::LoadU(d, x + begin + i * kLanes);
             const auto pointY = hn::LoadU(d, y + begin + i * kLanes);
-            auto power = hn::Set(d, 1.0);
+            auto power = pointX;
             for (std::size_t j = 0; j < powers; ++j)
             {
                 terms[i][j] = power;
                 power = hn::Mul(power, pointX);
             }
-            for (std::size_t j = 0; j < products; ++j)
+            terms[i][powers] = pointY;
+            for (std::size_t j = 0; j < degree; ++j)
             {
-                terms[i][powers + j] = hn::Mul(pointY, terms[i][j]);
+                terms[i][powers + 1 + j] = hn::Mul(pointY, terms[i][j]);
             }
         }
         for (std::size_t first = 0; first < used; first += kLanes)
         {
-            auto sum = hn::LoadU(d, sums + first);
+            Vector total = totals[first / kLanes];
             for (const auto& vector : terms)
             {
-                sum = AddByPoint(sum, vector, first);
+                total = AddByPoint(total, vector, first);
             }
-            hn::StoreU(sum, d, sums + first);
+            totals[first / kLanes] = total;
         }
+    }
+    for (std::size_t first = 0; first < used; first += kLanes)
+    {
+        hn::StoreU(totals[first / kLanes], d, sums + first);
     }
     return whole;
 }
 
 #else
 
-std::size_t AddWholeVectors(const double* /*x*/, const double* /*y*/, std::size_t /*count*/, std::size_t /*powers*/,
-                            std::size_t /*products*/, double* /*sums*/)
+std::size_t AddWholeVectors(const double* /*x*/, const double* /*y*/, std::size_t /*count*/, std::size_t /*degree*/,
+                            double* /*sums*/)
 {
     return 0; // with two lanes or fewer, moving terms costs what is gained
 }
@@ -144,7 +154,7 @@ std::size_t Usable(std::size_t degree)
 } // namespace
 
 PowerSums::PowerSums(std::size_t degree)
-    : powers(2 * Usable(degree) + 3), products(degree + 1), sums(powers + products + kMostLanes - 1)
+    : powers(2 * Usable(degree) + 1), products(degree + 1), sums(powers + products + kMostLanes - 1)
 {
 }
 
@@ -153,6 +163,7 @@ void PowerSums::Add(std::span<const Point> points)
 {
     const std::span<double> ofPowers(sums.data(), powers);
     const std::span<double> ofProducts(sums.data() + powers, products);
+    const std::size_t degree = products - 1;
     double x[kAtOnce];
     double y[kAtOnce];
     for (std::span<const Point> rest = points; !rest.empty(); rest = rest.subspan(std::min(kAtOnce, rest.size())))
@@ -163,8 +174,9 @@ void PowerSums::Add(std::span<const Point> points)
             x[i] = static_cast<double>(rest[i].x);
             y[i] = static_cast<double>(rest[i].y);
         }
-        for (std::size_t i = HWY_DYNAMIC_DISPATCH(AddWholeVectors)(x, y, count, powers, products, sums.data());
-             i < count; ++i)
+        const std::size_t added = HWY_DYNAMIC_DISPATCH(AddWholeVectors)(x, y, count, degree, &sums[1]);
+        sums[0] += static_cast<double>(added); // as exact as ones that are added one by one
+        for (std::size_t i = added; i < count; ++i)
         {
             AddPoint(x[i], y[i], ofPowers, ofProducts);
         }

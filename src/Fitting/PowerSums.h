@@ -23,7 +23,7 @@ public:
     template <typename Point>
     void Add(std::span<const Point> points);
 
-    /** Of the powers 0 to `2 degree + 2`. */
+    /** Of the powers 0 to twice the degree. */
     std::span<const double> OfPowers() const { return {sums.data(), powers}; }
 
     /** Of y times the powers 0 to @p degree. */
