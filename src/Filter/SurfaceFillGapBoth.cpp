@@ -29,21 +29,18 @@ struct FilledCell
     std::uint8_t intensity;
 };
 
-/** The heights around a missing cell. */
+/** The heights around a missing cell. Which of them is the lowest is anybody's guess, so that no branch asks for it. */
 class Candidates
 {
 public:
-    explicit Candidates(bool fillHigh) : fillHigh(fillHigh), anchor{AnchorStart(fillHigh), 0, 0, 0} {}
+    explicit Candidates(bool fillHigh) : sign(fillHigh ? -1 : 1) {}
 
     bool Any() const { return count > 0; }
 
     void Add(const Candidate& candidate)
     {
+        lowest = std::min(lowest, candidate.height * sign * kMost + static_cast<std::int32_t>(count));
         items[count++] = candidate;
-        if (fillHigh ? candidate.height > anchor.height : candidate.height < anchor.height)
-        {
-            anchor = candidate;
-        }
     }
 
     /** The mean of those that lie close enough to the anchor, each weighted with the distances of the others; the
@@ -52,23 +49,23 @@ public:
     template <typename Sum>
     FilledCell Mean() const
     {
+        const Candidate& anchor = items[static_cast<std::size_t>(lowest & (kMost - 1))];
+        std::array<std::int64_t, kMost> kept = {}; // all bits of those that are
         Sum total = 0;
         for (std::size_t i = 0; i < count; ++i)
         {
-            total += Keeps(items[i]) ? items[i].weight : 0;
+            kept[i] = -static_cast<std::int64_t>(IsNear(items[i], anchor));
+            total += items[i].weight & kept[i];
         }
         Sum factors = 0;
         Sum heights = 0;
         Sum intensities = 0;
         for (std::size_t i = 0; i < count; ++i)
         {
-            if (Keeps(items[i]))
-            {
-                const Sum factor = total - items[i].weight;
-                factors += factor;
-                heights += factor * items[i].height;
-                intensities += factor * items[i].intensity;
-            }
+            const Sum factor = (total - items[i].weight) & kept[i];
+            factors += factor;
+            heights += factor * items[i].height;
+            intensities += factor * items[i].intensity;
         }
         if (factors == 0)
         {
@@ -78,28 +75,29 @@ public:
     }
 
 private:
-    static std::int32_t AnchorStart(bool fillHigh)
-    {
-        return fillHigh ? std::numeric_limits<std::int32_t>::min() : std::numeric_limits<std::int32_t>::max();
-    }
+    static constexpr std::int32_t kMost = 4;
 
-    bool Keeps(const Candidate& item) const
+    bool IsNear(const Candidate& item, const Candidate& anchor) const
     {
-        const std::int64_t rise = static_cast<std::int64_t>(item.height) - anchor.height;
-        return (fillHigh ? -rise : rise) <= anchor.allowance + item.allowance;
+        return (static_cast<std::int64_t>(item.height) - anchor.height) * sign <= anchor.allowance + item.allowance;
     }
 
     template <typename T, typename Sum>
     static T Quotient(Sum sum, Sum divisor)
     {
+        if (sum == 0)
+        {
+            return 0; // most maps have no intensities
+        }
         return static_cast<T>(
             std::clamp<Sum>(sum / divisor, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
     }
 
-    bool fillHigh;
-    Candidate anchor;
+    std::int32_t sign; ///< turns the highest into the lowest
     std::size_t count = 0;
-    std::array<Candidate, 4> items;
+    std::int32_t lowest =
+        std::numeric_limits<std::int32_t>::max(); ///< its height and, below that, its number: the anchor
+    std::array<Candidate, kMost> items;
 };
 
 /** The walk over the missing cells. Heights above and below are looked up where a gap of a column begins, and kept for
@@ -120,20 +118,30 @@ public:
 
     void Fill()
     {
+        bool hasMissing = CopyRow(0);
         for (std::int64_t row = 0; row < rows; ++row)
         {
-            if (!map.CopyRow(static_cast<std::size_t>(row)))
+            const bool nextHasMissing = CopyRow(row + 1); // is in the cache when heights below are looked up
+            if (hasMissing)
             {
-                continue;
+                FillRow(row);
             }
-            ForEachMissingRun(map.heights.in + row * columns, map.columns,
-                              [&](std::size_t begin, std::size_t end) {
-                                  FillRun(row, {static_cast<std::int64_t>(begin) - 1, static_cast<std::int64_t>(end)});
-                              });
+            hasMissing = nextHasMissing;
         }
     }
 
 private:
+    /** False when there is no such row, or when it has no missing cells. */
+    bool CopyRow(std::int64_t row) const { return row < rows && map.CopyRow(static_cast<std::size_t>(row)); }
+
+    void FillRow(std::int64_t row)
+    {
+        ForEachMissingRun(map.heights.in + row * columns, map.columns,
+                          [&](std::size_t begin, std::size_t end) {
+                              FillRun(row, {static_cast<std::int64_t>(begin) - 1, static_cast<std::int64_t>(end)});
+                          });
+    }
+
     /** The heights at both ends of a gap, as columns of its row or rows of its column. */
     struct Ends
     {
