@@ -46,9 +46,13 @@ using Narrow = hn::Repartition<std::uint16_t, Wide>;
 using WideVector = hn::VFromD<Wide>;
 using NarrowVector = hn::VFromD<Narrow>;
 
+/** Whether a vector has a lane for each number up to 15. */
+constexpr bool kHasLaneForEach = hn::MaxLanes(Real()) >= 16;
+
 /** How many cells windows hold. */
 enum class Reach
 {
+    Few,    ///< up to 15: the reciprocals of all numbers fit in a vector
     Short,  ///< up to 255: the number fits in 8 bits, the sum of shifted heights in the 24 bits of a float
     Medium, ///< up to 512: the sum of heights fits in the 24 bits of a float
     Long
@@ -56,13 +60,25 @@ enum class Reach
 
 constexpr Reach ReachOf(std::size_t cells)
 {
-    return cells <= 255 ? Reach::Short : cells <= 512 ? Reach::Medium : Reach::Long;
+    return kHasLaneForEach && cells <= 15 ? Reach::Few
+           : cells <= 255                 ? Reach::Short
+           : cells <= 512                 ? Reach::Medium
+                                          : Reach::Long;
+}
+
+/** Whether prefix sums hold the numbers of heights, too. */
+constexpr bool IsPacked(Reach reach)
+{
+    return reach == Reach::Few || reach == Reach::Short;
 }
 
 bool HasVectors()
 {
     return true;
 }
+
+/** Sums of shifted heights are packed with their number in one lane: 256 times the sum, plus the number. */
+constexpr std::int32_t kPackedNumber = 0xff;
 
 template <int kBits>
 HWY_INLINE WideVector ShiftRightLogical(WideVector v)
@@ -128,21 +144,111 @@ HWY_INLINE WideVector Mean(WideVector shifted, WideVector count, int offset)
     return reach == Reach::Medium ? Divide(hn::ConvertTo(real, sum), number, offset) : DivideLong(sum, count, offset);
 }
 
-/** The means of windows. One without heights is taken for one of the shifted height 0, which is what stands for a missing
- *  one. */
+/** The means of windows, truncated toward zero, plus an offset. A window without heights is taken for one of the shifted
+ *  height 0, which is what stands for a missing one. */
 template <Reach reach>
-HWY_INLINE NarrowVector Means(WideVector even, WideVector odd, NarrowVector counts, int offset)
+class Means
 {
-    const auto divisors = hn::Max(counts, hn::Set(Narrow(), 1));
-    return Join(Mean<reach>(even, Even(divisors), offset), Mean<reach>(odd, Odd(divisors), offset));
-}
+public:
+    explicit Means(int offset) : offset(offset) {}
 
-/** @p means, or what stands for a missing one where @p centre is missing and @p keepNulls. */
-HWY_INLINE NarrowVector KeepNulls(NarrowVector means, NarrowVector centre, bool keepNulls, int offset)
+    HWY_INLINE NarrowVector FromSums(WideVector even, WideVector odd, NarrowVector counts) const
+    {
+        const auto divisors = hn::Max(counts, hn::Set(Narrow(), 1));
+        return Join(Mean<reach>(even, Even(divisors), offset), Mean<reach>(odd, Odd(divisors), offset));
+    }
+
+    HWY_INLINE NarrowVector FromPacked(WideVector even, WideVector odd) const
+    {
+        return Join(FromPacked(even), FromPacked(odd));
+    }
+
+private:
+    HWY_INLINE WideVector FromPacked(WideVector packed) const
+    {
+        const Wide wide;
+        const auto count = hn::And(packed, hn::Set(wide, kPackedNumber));
+        return Mean<reach>(ShiftRightLogical<8>(packed), hn::Max(count, hn::Set(wide, 1)), offset);
+    }
+
+    int offset;
+};
+
+/** The same for few heights, by a multiplication. A float between 2^18 and 2^19 ends in 32nds, so that 2^18 plus the mean of
+ *  shifted heights has the mean's fraction in its lowest 5 bits and the whole part above. It is off by no more than 3/256: by
+ *  1/256 each for the rounding of the reciprocal, for that of a packed sum, and for the number below it. A whole mean is so
+ *  rounded to itself. Others lie 1/15 or more from the whole numbers, and stay between them. */
+template <>
+class Means<Reach::Few>
+{
+public:
+    explicit Means(int offset)
+    {
+        const Real real;
+        ofNumbers = hn::LoadU(real, kReciprocals.data());
+        ofPackedNumbers = hn::Mul(ofNumbers, hn::Set(real, 1.0F / 256.0F));
+        constexpr float kUnits = 262144.0F;
+        const int toResult = (offset + kHeightShift) % (2 * kHeightShift); // only 16 bits of the result are used
+        start = hn::Set(real, kUnits + static_cast<float>(toResult));
+        zero = hn::BitCast(Wide(), hn::Set(real, kUnits + static_cast<float>(toResult + kHeightShift)));
+    }
+
+    HWY_INLINE NarrowVector FromSums(WideVector even, WideVector odd, NarrowVector counts) const
+    {
+        return JoinWhole(InFixedPoint(even, Even(counts), ofNumbers), InFixedPoint(odd, Odd(counts), ofNumbers));
+    }
+
+    HWY_INLINE NarrowVector FromPacked(WideVector even, WideVector odd) const
+    {
+        const auto number = hn::Set(Wide(), kPackedNumber);
+        return JoinWhole(InFixedPoint(even, hn::And(even, number), ofPackedNumbers),
+                         InFixedPoint(odd, hn::And(odd, number), ofPackedNumbers));
+    }
+
+private:
+    static constexpr int kFraction = 5;
+
+    /** Of the numbers from 0 on, whose own gives the shifted height 0. */
+    static constexpr auto kReciprocals = []
+    {
+        std::array<float, hn::MaxLanes(Real())> reciprocals = {};
+        for (std::size_t number = 1; number < reciprocals.size(); ++number)
+        {
+            reciprocals[number] = 1.0F / static_cast<float>(number);
+        }
+        return reciprocals;
+    }();
+
+    /** The mean with its fraction, or the next whole number where truncation goes up, below height 0. */
+    HWY_INLINE WideVector InFixedPoint(WideVector sum, WideVector count, hn::VFromD<Real> reciprocals) const
+    {
+        const Wide wide;
+        const Real real;
+        const auto reciprocal = hn::TableLookupLanes(reciprocals, hn::IndicesFromVec(real, count));
+        const auto mean = hn::BitCast(wide, hn::MulAdd(hn::ConvertTo(real, sum), reciprocal, start));
+        const auto up = hn::Add(mean, hn::Set(wide, (1 << kFraction) - 1));
+        return hn::IfThenElse(hn::Lt(mean, zero), up, mean);
+    }
+
+    /** The low 16 bits above the fraction, in the order of the cells. */
+    static HWY_INLINE NarrowVector JoinWhole(WideVector even, WideVector odd)
+    {
+        const Narrow narrow;
+        return hn::OddEven(hn::BitCast(narrow, hn::ShiftLeft<16 - kFraction>(odd)),
+                           hn::BitCast(narrow, hn::ShiftRight<kFraction>(even)));
+    }
+
+    hn::VFromD<Real> ofNumbers;
+    hn::VFromD<Real> ofPackedNumbers;
+    hn::VFromD<Real> start; ///< what the mean is added to
+    WideVector zero;        ///< height 0 in fixed point
+};
+
+/** @p means, or what stands for a missing one where @p centre is missing. */
+HWY_INLINE NarrowVector KeepNulls(NarrowVector means, NarrowVector centre, int offset)
 {
     const Narrow narrow;
-    const auto isPresent = hn::Or(centre, hn::Set(narrow, static_cast<std::uint16_t>(keepNulls ? 0 : 1)));
-    return hn::IfThenElse(hn::Eq(isPresent, hn::Zero(narrow)),
+    return hn::IfThenElse(hn::Eq(centre, hn::Zero(narrow)),
                           hn::Set(narrow, static_cast<std::uint16_t>(offset - kHeightShift)), means);
 }
 
@@ -224,7 +330,6 @@ private:
     }
 };
 
-/** Shifted heights and their number in one lane: 256 times the sum, plus the number. */
 struct Packed
 {
     WideVector even;
@@ -290,21 +395,20 @@ public:
         const PrefixPlace begin = At(start + stretch.first - window.behind);
         const PrefixPlace end = At(start + stretch.first + window.ahead + 1);
         const std::int16_t* centre = stretch.cells + stretch.first;
+        const Means<reach> quotients(offset);
         const std::size_t lanes = hn::Lanes(Narrow());
         std::size_t cell = 0;
         for (; cell + lanes <= stretch.count; cell += lanes)
         {
             hwy::Prefetch(stretch.next + cell);
-            const auto mean =
-                KeepNulls(MeansAt(begin, end, cell, offset), LoadShifted(centre + cell), keepNulls, offset);
-            hn::StoreU(mean, Narrow(), means + cell);
+            const auto mean = MeansAt(quotients, begin, end, cell);
+            hn::StoreU(keepNulls ? KeepNulls(mean, LoadShifted(centre + cell), offset) : mean, Narrow(), means + cell);
         }
         if (cell < stretch.count)
         {
             const std::size_t left = stretch.count - cell;
-            const auto mean =
-                KeepNulls(MeansAt(begin, end, cell, offset), LoadFirst(centre + cell, left), keepNulls, offset);
-            StoreFirst(mean, means + cell, left);
+            const auto mean = MeansAt(quotients, begin, end, cell);
+            StoreFirst(keepNulls ? KeepNulls(mean, LoadFirst(centre + cell, left), offset) : mean, means + cell, left);
         }
     }
 
@@ -319,7 +423,7 @@ private:
     {
         hn::StoreU(even, Wide(), prefix.even + place / 2);
         hn::StoreU(odd, Wide(), prefix.odd + place / 2);
-        if constexpr (reach != Reach::Short)
+        if constexpr (!IsPacked(reach))
         {
             hn::StoreU(counts, Narrow(), prefix.counts + place);
         }
@@ -333,7 +437,7 @@ private:
         const auto odd = scan(hn::Add(packed.even, packed.odd));
         const auto even = hn::Sub(odd, packed.odd);
         const auto all = scan.Last(odd);
-        if constexpr (reach == Reach::Short)
+        if constexpr (IsPacked(reach))
         {
             Store(hn::Add(even, totals.sums), hn::Add(odd, totals.sums), totals.counts, place);
             return {hn::Add(totals.sums, all), totals.counts};
@@ -341,7 +445,7 @@ private:
         else
         {
             // The packed sums of one vector always fit.
-            const auto number = hn::Set(Wide(), 0xff);
+            const auto number = hn::Set(Wide(), kPackedNumber);
             Store(hn::Add(ShiftRightLogical<8>(even), totals.sums), hn::Add(ShiftRightLogical<8>(odd), totals.sums),
                   hn::Add(Join(hn::And(even, number), hn::And(odd, number)), totals.counts), place);
             const auto numbers = hn::And(all, number);
@@ -357,25 +461,22 @@ private:
                               : PrefixPlace{prefix.even + half, prefix.odd + half, prefix.counts + place - 1};
     }
 
-    static HWY_INLINE NarrowVector MeansAt(const PrefixPlace& begin, const PrefixPlace& end, std::size_t cell,
-                                           int offset)
+    static HWY_INLINE NarrowVector MeansAt(const Means<reach>& quotients, const PrefixPlace& begin,
+                                           const PrefixPlace& end, std::size_t cell)
     {
         const Wide wide;
         const Narrow narrow;
         const std::size_t pair = cell / 2;
         const auto even = hn::Sub(hn::LoadU(wide, end.even + pair), hn::LoadU(wide, begin.even + pair));
         const auto odd = hn::Sub(hn::LoadU(wide, end.odd + pair), hn::LoadU(wide, begin.odd + pair));
-        if constexpr (reach == Reach::Short)
+        if constexpr (IsPacked(reach))
         {
-            const auto one = hn::Set(wide, 1);
-            const auto number = hn::Set(wide, 0xff);
-            return Join(Mean<reach>(ShiftRightLogical<8>(even), hn::Max(hn::And(even, number), one), offset),
-                        Mean<reach>(ShiftRightLogical<8>(odd), hn::Max(hn::And(odd, number), one), offset));
+            return quotients.FromPacked(even, odd);
         }
         else
         {
             const auto counts = hn::Sub(hn::LoadU(narrow, end.counts + cell), hn::LoadU(narrow, begin.counts + cell));
-            return Means<reach>(even, odd, counts, offset);
+            return quotients.FromSums(even, odd, counts);
         }
     }
 
@@ -398,7 +499,8 @@ void AverageCells(const MeanStretch& stretch, const MeanWindow& window, bool kee
                   const HeightSums& prefixSums, std::uint16_t* means)
 {
     const Reach reach = ReachOf(std::min(window.Cells(), stretch.size));
-    const auto average = reach == Reach::Short    ? AverageCellsAs<Reach::Short>
+    const auto average = reach == Reach::Few      ? AverageCellsAs<Reach::Few>
+                         : reach == Reach::Short  ? AverageCellsAs<Reach::Short>
                          : reach == Reach::Medium ? AverageCellsAs<Reach::Medium>
                                                   : AverageCellsAs<Reach::Long>;
     average(stretch, window, keepNulls, offset, prefixSums, means);
@@ -441,12 +543,12 @@ void Move(const ColumnStep& step)
 }
 
 template <Reach reach>
-HWY_INLINE NarrowVector AverageAt(const ColumnStep& step, const std::uint16_t* centre, bool keepNulls,
-                                  std::size_t column)
+HWY_INLINE NarrowVector AverageAt(const Means<reach>& quotients, const ColumnStep& step, const std::uint16_t* centre,
+                                  bool keepNulls, std::size_t column)
 {
     const ColumnWindows windows = MoveAt(step, column);
-    const auto means = Means<reach>(windows.even, windows.odd, windows.counts, 0);
-    return KeepNulls(means, hn::LoadU(Narrow(), centre + column), keepNulls, 0);
+    const auto means = quotients.FromSums(windows.even, windows.odd, windows.counts);
+    return keepNulls ? KeepNulls(means, hn::LoadU(Narrow(), centre + column), 0) : means;
 }
 
 template <Reach reach>
@@ -455,16 +557,17 @@ void AverageAs(const ColumnStep& columnStep, const std::uint16_t* centre, bool k
 {
     // By value, so that it can stay in registers while cells are written.
     const ColumnStep step = columnStep;
+    const Means<reach> quotients(0);
     const std::size_t lanes = hn::Lanes(Narrow());
     std::size_t column = 0;
     for (; column + lanes <= step.columns; column += lanes)
     {
         hwy::Prefetch(next + column);
-        hn::StoreU(AverageAt<reach>(step, centre, keepNulls, column), Narrow(), means + column);
+        hn::StoreU(AverageAt<reach>(quotients, step, centre, keepNulls, column), Narrow(), means + column);
     }
     if (column < step.columns)
     {
-        StoreFirst(AverageAt<reach>(step, centre, keepNulls, column), means + column, step.columns - column);
+        StoreFirst(AverageAt<reach>(quotients, step, centre, keepNulls, column), means + column, step.columns - column);
     }
 }
 
@@ -472,7 +575,8 @@ void Average(const ColumnStep& step, std::size_t cells, const std::uint16_t* cen
              std::uint16_t* means, const std::uint16_t* next)
 {
     const Reach reach = ReachOf(cells);
-    const auto average = reach == Reach::Short    ? AverageAs<Reach::Short>
+    const auto average = reach == Reach::Few      ? AverageAs<Reach::Few>
+                         : reach == Reach::Short  ? AverageAs<Reach::Short>
                          : reach == Reach::Medium ? AverageAs<Reach::Medium>
                                                   : AverageAs<Reach::Long>;
     average(step, centre, keepNulls, means, next);

@@ -96,6 +96,8 @@ void ExpectQuotientsOfColumns()
         };
         ASSERT_EQ(quotients.Of(count, least), heights) << count;
         ASSERT_EQ(quotients.Of(count, most), heights) << count;
+        const auto mostBelowZero = [=](int height) { return height == 0 ? std::int64_t{1} - count : least(height); };
+        ASSERT_EQ(quotients.Of(count, mostBelowZero), heights) << count;
     }
 }
 
@@ -111,6 +113,54 @@ TEST(LineMeans, QuotientsOfColumnsAreTruncatedTowardZero)
     if (!isPlain)
     {
         ExpectQuotientsOfColumns();
+    }
+}
+
+/** Means over the @p count cells up to each one. */
+std::vector<std::int16_t> MeansUpTo(const std::vector<std::int16_t>& cells, std::size_t count)
+{
+    const Zvl::MeanWindow window = {count - 1, 0};
+    const std::size_t sums = Zvl::CellsOfPrefixSums(window, cells.size());
+    Zvl::MemoryParts size(nullptr);
+    size.TakeSums(sums);
+    std::vector<std::uint64_t> memory(size.Used() / sizeof(std::uint64_t) + 1);
+    Zvl::MemoryParts parts(memory.data());
+    std::vector<std::uint16_t> shifted(cells.size());
+    Zvl::AverageStretch({cells.data(), cells.size(), 0, cells.size(), cells.data()}, window, false, Zvl::kHeightShift,
+                        parts.TakeSums(sums), shifted.data());
+    std::vector<std::int16_t> means;
+    for (const std::uint16_t mean : shifted)
+    {
+        means.push_back(static_cast<std::int16_t>(mean - Zvl::kHeightShift));
+    }
+    return means;
+}
+
+/** All heights as quotients in a line: of @p count cells each, all of them that height or, but for the last, further from
+ *  0 by @p beyond. */
+void ExpectQuotientsInLine(std::size_t count, int beyond)
+{
+    std::vector<std::int16_t> cells;
+    for (int height = -32766; height <= 32766; ++height)
+    {
+        cells.insert(cells.end(), count - 1, static_cast<std::int16_t>(height < 0 ? height - beyond : height + beyond));
+        cells.push_back(static_cast<std::int16_t>(height));
+    }
+    const std::vector<std::int16_t> means = MeansUpTo(cells, count);
+    std::size_t last = count - 1;
+    for (int height = -32766; height <= 32766; ++height, last += count)
+    {
+        ASSERT_EQ(means[last], height) << count << " cells";
+    }
+}
+
+// Such means are not divisions where a vector has a lane for each number of heights.
+TEST(LineMeans, QuotientsOfFewCellsOfALineAreTruncatedTowardZero)
+{
+    for (std::size_t count = 1; count <= 16 && Zvl::CanAverageInVectors(count); ++count)
+    {
+        ExpectQuotientsInLine(count, 0);
+        ExpectQuotientsInLine(count, 1);
     }
 }
 
