@@ -208,7 +208,7 @@ public:
 private:
     static constexpr int kFraction = 5;
 
-    /** Of the numbers from 0 on, whose own gives the shifted height 0. */
+    /** Of the numbers from 0 on. In the place of 0 stands what makes the shifted height 0 of no heights. */
     static constexpr auto kReciprocals = []
     {
         std::array<float, hn::MaxLanes(Real())> reciprocals = {};
