@@ -109,7 +109,7 @@ private:
 
     double First() const { return fromCenter[1]; }
     double Last() const { return fromCenter[positions.size()]; }
-    double FromCenter(int column) const { return fromCenter[static_cast<std::size_t>(column + 1)]; }
+    double FromCenter(int column) const { return *(fromCenter.begin() + 1 + column); }
 
     std::vector<double> positions;
     std::vector<double> fromCenter; // between two that are not a number, where every walk ends
