@@ -1,7 +1,7 @@
 #pragma once
 
 /** @file
- *  Means over windows that slide along a line, or down the columns of a map, in vector instructions. */
+ *  Means over windows that slide along a line, in vector instructions, and what these share with those down columns. */
 
 #include <algorithm>
 #include <cstddef>
@@ -95,25 +95,5 @@ inline std::size_t CellsOfPrefixSums(const MeanWindow& window, std::size_t size)
  *  @param prefixSums working memory of CellsOfPrefixSums() cells */
 void AverageStretch(const MeanStretch& stretch, const MeanWindow& window, bool keepNulls, int offset,
                     const HeightSums& prefixSums, std::uint16_t* means);
-
-/** A row of shifted cells enters the windows of @p columns columns, and another one leaves them. */
-struct ColumnStep
-{
-    const std::uint16_t* added;
-    const std::uint16_t* removed;
-    HeightSums sums;
-    std::size_t columns;
-};
-
-/** Moves the windows by one row. All rows are padded to a multiple of #kMostLanes. */
-void MoveColumns(const ColumnStep& step);
-
-/** The same, and writes the means of the windows, truncated toward zero; where a window has no height, or with
- *  @p keepNulls where the cell of row @p centre is missing, a missing height.
- *  @param cells the most that a window holds
- *  @param means not padded
- *  @param next where the next means will go, which is brought into the cache */
-void AverageColumns(const ColumnStep& step, std::size_t cells, const std::uint16_t* centre, bool keepNulls,
-                    std::int16_t* means, const std::int16_t* next);
 
 } // namespace Zvl

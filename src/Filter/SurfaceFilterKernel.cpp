@@ -1,6 +1,6 @@
 #include "Filter/SurfaceFilterKernel.h"
 
-#include "Filter/LineMeans.h"
+#include "Filter/ColumnMeans.h"
 
 namespace Zvl
 {
