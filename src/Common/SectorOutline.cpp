@@ -56,7 +56,6 @@ bool SectorOutline::Locate(double dy, double reach, OutlineRanges& ranges) const
     }
     ranges.Clear();
     LocateConic(outer, dy, ranges);
-    ranges.EndOuter();
     LocateConic(inner, dy, ranges);
     if (!hasRays)
     {

@@ -29,11 +29,7 @@ public:
     void Clear() { count = 0; }
     void Add(double low, double high) { ranges[count++] = {low, high}; }
 
-    /** Says that the outer curve has no more ranges than those until now. */
-    void EndOuter() { outerCount = count; }
-
     std::size_t Count() const { return count; }
-    std::size_t CountOfOuter() const { return outerCount; }
 
     const Range* begin() const { return ranges.data(); }
     const Range* end() const { return ranges.data() + count; }
@@ -41,7 +37,6 @@ public:
 private:
     std::array<Range, kMost> ranges = {};
     std::size_t count = 0;
-    std::size_t outerCount = 0;
 };
 
 /** The outline of a sector: an outer curve, perhaps an inner one, and perhaps two rays. */

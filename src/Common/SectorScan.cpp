@@ -140,7 +140,7 @@ public:
             return;
         }
         LocateUncertain();
-        const Crossings crossings = {ranges.CountOfOuter(), ranges.Count(), y > centerY};
+        const Crossings crossings = {ranges.Count(), y > centerY};
         if (crossings != known || !AreInOrder())
         {
             known = crossings;
@@ -165,12 +165,12 @@ private:
         int end;
     };
 
-    /** What the outline's curves have in common on rows that they cross in the same way. The rays are taken for whole lines,
-     *  so that the side of the centre counts, too. */
+    /** What the outline's curves have in common on rows that they cross in the same way. The curves share their centre: their
+     *  ranges become fewer with the distance from it, those of the flatter one first, so that the number tells which there
+     *  are. The rays are taken for whole lines, so that the side of the centre counts, too. */
     struct Crossings
     {
-        std::size_t ofOuter;
-        std::size_t all;
+        std::size_t count;
         bool isAbove;
 
         bool operator==(const Crossings&) const = default;
@@ -199,7 +199,7 @@ private:
      *  curve as there, and in the sector if it did there. */
     bool AreInOrder() const
     {
-        for (std::size_t i = 1; i < known.all; ++i)
+        for (std::size_t i = 1; i < known.count; ++i)
         {
             if (uncertain[order[i]].first < uncertain[order[i - 1]].first)
             {
@@ -211,7 +211,7 @@ private:
 
     void PutInOrder()
     {
-        for (std::size_t i = 0; i < known.all; ++i)
+        for (std::size_t i = 0; i < known.count; ++i)
         {
             std::size_t place = i;
             for (; place > 0 && uncertain[order[place - 1]].first > uncertain[i].first; --place)

@@ -314,6 +314,28 @@ TEST(SectorMasksOfStrangeShapes, AgreeWithTheTestOfEveryCell)
     }
 }
 
+/** The rows at 10 from the centre touch the outer curve, and meet the inner one, miss it, or touch it up to rounding. */
+TEST(SectorMasksOfCurvesThatAlmostCoincide, AgreeWithTheTestOfEveryCell)
+{
+    for (const double aside : {-1e-3, -1e-8, -2e-9, -1e-10, -1e-15, 0.0, 1e-15, 1e-10, 2e-9, 1e-8, 1e-3})
+    {
+        const double inner = 20.0 * (1.0 + aside);
+        for (const double innerWidth : {inner, 14.0, 30.0})
+        {
+            for (const double span : {200.0, 360.0})
+            {
+                const EllipticalSector2d<double> sector = {inner, innerWidth, 20.0, 20.0, 0.0, span, 0.0, {16.0, 16.0}};
+                EllipseROI roi(sector, 33, 33, kUnitScale, kNoOffset, nullptr);
+                const auto expected =
+                    PlainMask(roi.GetBoundingBox(), kUnitScale, kNoOffset,
+                              [&](const qPoint64f& point) { return CheckPointInEllipticalSector(sector, point); });
+                EXPECT_EQ(TestSupport::CellsIn<std::uint8_t>(roi.GetMask().Get()), expected)
+                    << aside << ", inner width " << innerWidth << ", " << span << " degrees";
+            }
+        }
+    }
+}
+
 TEST(SectorMasksOfStrangeFrames, EndWithoutACrash)
 {
     const double infinity = std::numeric_limits<double>::infinity();
